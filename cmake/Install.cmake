@@ -1,0 +1,34 @@
+# Installation: library, headers, interface modules, CMake package and pkg-config file.
+include(CMakePackageConfigHelpers)
+install(TARGETS tarvoport tarvoport_static EXPORT TarvoPortTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/tarvo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+
+set(TARVO_INSTALL_MODULEDIR "")
+if(TARVO_HAVE_GFORTRAN)
+  set(TARVO_INSTALL_MODULEDIR ${CMAKE_INSTALL_INCLUDEDIR}/tarvo/${TARVO_GFORTRAN_ID})
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/include/tarvo/${TARVO_GFORTRAN_ID}
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod")
+endif()
+set(TARVO_INSTALL_FLANG_MODULEDIR "")
+if(TARVO_FLANG)
+  set(TARVO_INSTALL_FLANG_MODULEDIR ${CMAKE_INSTALL_INCLUDEDIR}/tarvo/${TARVO_FLANG_ID})
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/include/tarvo/${TARVO_FLANG_ID}
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod")
+endif()
+
+set(_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/TarvoPort)
+install(EXPORT TarvoPortTargets NAMESPACE TarvoPort:: DESTINATION ${_cmakedir})
+configure_package_config_file(cmake/TarvoPortConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/TarvoPortConfig.cmake INSTALL_DESTINATION ${_cmakedir}
+  PATH_VARS CMAKE_INSTALL_INCLUDEDIR)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/TarvoPortConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/TarvoPortConfig.cmake ${PROJECT_BINARY_DIR}/TarvoPortConfigVersion.cmake
+        DESTINATION ${_cmakedir})
+
+file(RELATIVE_PATH TARVO_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(cmake/tarvoport.pc.in ${PROJECT_BINARY_DIR}/tarvoport.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tarvoport.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,34 @@
+# Compiler and linker settings shared by every target of the project.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(TARVO_ARCH STREQUAL "i386")
+  # 32-bit build: 64-bit file offsets so stat of large files works; time_t stays 4 bytes.
+  set(TARVO_ARCH_FLAGS -m32 -D_FILE_OFFSET_BITS=64)
+  add_compile_options(${TARVO_ARCH_FLAGS})
+  add_link_options(-m32)
+  set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
+  set(FIND_LIBRARY_USE_LIB64_PATHS OFF)
+  set_property(GLOBAL PROPERTY FIND_LIBRARY_USE_LIB64_PATHS OFF)
+elseif(NOT TARVO_ARCH STREQUAL "x86_64")
+  message(FATAL_ERROR "TARVO_ARCH must be x86_64 or i386, not '${TARVO_ARCH}'")
+endif()
+
+if(TARVO_SANITIZE)
+  list(JOIN TARVO_SANITIZE "," _tarvo_san)
+  set(TARVO_SANITIZE_FLAGS -fsanitize=${_tarvo_san} -fno-omit-frame-pointer)
+  if("undefined" IN_LIST TARVO_SANITIZE)
+    list(APPEND TARVO_SANITIZE_FLAGS -fno-sanitize-recover=undefined)
+  endif()
+  add_compile_options(${TARVO_SANITIZE_FLAGS})
+  add_link_options(-fsanitize=${_tarvo_san})
+endif()
+
+if(TARVO_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()
+
+set(TARVO_WARNINGS -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion -Wundef)

@@ -1,0 +1,89 @@
+#include "frame/errors.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "frame/api.h"
+#include "runtime/errsns.h"
+#include <tarvo/frame.h>
+
+namespace frame {
+namespace {
+// One cell for the whole process; the last writer wins, as callers expect.
+std::atomic<std::int32_t> local_errno{0};
+
+// Message texts by code minus 1000; codes 1010 and 1011 have none.
+constexpr const char* err_array[] = {
+    " ",
+    "Input parameters contain invalid parameter address",
+    "Logical unit number is invalid or not open.",
+    "An intermediate value exceeds the available range",
+    "Only signal KILL (9) is supported on Windows* OS",
+    "Invalid seek was performed. Check errno",
+    "Output was truncated, buffer provided was too small",
+    "Input value was invalid",
+    "Portability function 'ALARM' can't work without 'lpthread' library",
+    " ",
+    nullptr,
+    nullptr,
+    "Unknown error",
+    "Domain error",
+    "Singularity error",
+    "Overflow error",
+    "Underflow error",
+    "Total loss of precision",
+    "Partial loss of precision",
+};
+static_assert(std::size(err_array) == 19);
+
+int print_diagnostic(char severity, std::int32_t code) noexcept {
+    errno = code;
+    // Callers pass listed codes only; the table is not range-checked beyond keeping
+    // the read inside it, and a missing text prints as "(null)".
+    const std::size_t index = static_cast<std::size_t>(code - 1000);
+    const char* text = index < std::size(err_array) ? err_array[index] : nullptr;
+    return std::fprintf(stderr, "*** %c - %d - %s\n", severity, static_cast<int>(code),
+                        text != nullptr ? text : "(null)");
+}
+}  // namespace
+
+std::int32_t portlib_local_errno() noexcept { return local_errno.load(std::memory_order_relaxed); }
+
+void set_portlib_local_errno(std::int32_t code) noexcept {
+    local_errno.store(code, std::memory_order_relaxed);
+}
+
+}  // namespace frame
+
+namespace portlib {
+std::int32_t fail(std::int32_t code) noexcept {
+    runtime::for_errsns_load(0, code, 0, 0, 0);
+    frame::set_portlib_local_errno(code);
+    return code;
+}
+}  // namespace portlib
+
+// INTEGER FUNCTION IERRNO()
+extern "C" TARVO_API std::int32_t ierrno_() noexcept { return frame::portlib_local_errno(); }
+
+// INTEGER FUNCTION GETLASTERROR()
+extern "C" TARVO_API std::int32_t getlasterror_() noexcept { return errno; }
+
+// INTEGER FUNCTION GETLASTERRORQQ() -- the same routine under its second name
+extern "C" TARVO_API std::int32_t getlasterrorqq_() noexcept
+    __attribute__((alias("getlasterror_")));
+
+extern "C" TARVO_API std::int32_t for_getsystemerror_dummy(std::int32_t value) noexcept {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(value) + 1u);
+}
+
+extern "C" TARVO_API int __tarvo_lib_warn(std::int32_t code) noexcept {
+    return frame::print_diagnostic('W', code);
+}
+
+extern "C" TARVO_API void __tarvo_lib_err(std::int32_t code) noexcept {
+    frame::print_diagnostic('E', code);
+    std::exit(code);  // the status the parent sees is the code modulo 256
+}

@@ -1,0 +1,47 @@
+/* Tarvo Fortran portability library: frame entry points (strings, errors, version).
+ * Every argument is passed by reference except where marked "by value"; hidden
+ * CHARACTER lengths follow the visible arguments. */
+#ifndef TARVO_FRAME_H
+#define TARVO_FRAME_H
+
+#include <tarvo/records.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* INTEGER FUNCTION LNBLNK(STRING): position of the last non-blank, 0 if none. */
+int32_t lnblnk_(const char *string, tarvo_len_t string_len);
+/* INTEGER FUNCTION IPXFLENTRIM(STRING): length without trailing blanks. */
+int32_t ipxflentrim_(const char *string, tarvo_len_t string_len);
+/* INTEGER FUNCTION PXFUCOMPARE(I1, I2, ICMPR, IDIFF): unsigned comparison. */
+int32_t pxfucompare_(const int32_t *i1, const int32_t *i2, int32_t *icmpr, int32_t *idiff);
+
+/* INTEGER FUNCTION IERRNO(): last error of the classic routines. */
+int32_t ierrno_(void);
+/* INTEGER FUNCTION GETLASTERROR() and GETLASTERRORQQ(): the thread's errno. */
+int32_t getlasterror_(void);
+int32_t getlasterrorqq_(void);
+/* Value plus one (by value). */
+int32_t for_getsystemerror_dummy(int32_t value);
+
+/* Diagnostics on standard error (code by value). */
+int __tarvo_lib_warn(int32_t code);
+#ifdef __cplusplus
+[[noreturn]]
+#else
+_Noreturn
+#endif
+void __tarvo_lib_err(int32_t code);
+
+/* "@(#)Tarvo Fortran portability library\tV<version>\t<build date>" */
+extern char for__portlib_version_string[];
+/* INTEGER FUNCTION FOR_LODRIK_VERSION(STRING): the version text; returns 3. */
+int32_t for_lodrik_version_(char *string, tarvo_len_t string_len);
+/* INTEGER FUNCTION FOR_MABREL_VERSION(): the companion run-time's version code. */
+int32_t for_mabrel_version_(void);
+
+#ifdef __cplusplus
+}
+#endif
+#endif

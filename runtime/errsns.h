@@ -1,0 +1,12 @@
+// The run-time's error-number recorder.
+#pragma once
+
+namespace runtime {
+
+// Records an error number (the second argument) for the run-time's own error reporting.
+void for_errsns_load(int, int error_number, int, int, int) noexcept;
+
+// The number recorded last (0 before any); this is what tests read.
+int last_recorded_error() noexcept;
+
+}  // namespace runtime

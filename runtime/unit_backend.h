@@ -1,0 +1,35 @@
+// The operations each unit back end supplies (see units.h for the results).
+#pragma once
+
+#include <cstdint>
+
+namespace runtime {
+
+// What a descriptor attached to a unit is opened for.
+struct UnitAccess {
+    bool read;
+    bool write;
+    bool append;
+};
+
+struct UnitOps {
+    int (*descriptor)(std::int64_t unit);
+    int (*flush)(std::int64_t unit);
+    int (*read_char)(std::int64_t unit);
+    int (*write_char)(std::int64_t unit, unsigned char ch);
+    int (*seek)(std::int64_t unit, std::int64_t offset, int origin);
+    std::int64_t (*position)(std::int64_t unit);
+    int (*attach)(int fd, std::int32_t unit, UnitAccess access);
+    void (*flush_all)();
+};
+
+const UnitOps* gfortran_unit_ops() noexcept;  // null without a gfortran run-time
+const UnitOps& native_unit_ops() noexcept;
+
+// Shared by both back ends.
+bool fits_unit_number(std::int64_t unit) noexcept;
+int negated_errno_or(int fallback) noexcept;  // -errno, or -fallback when errno is 0
+int read_one_byte(int fd) noexcept;            // the byte, kEndOfFile, or -errno
+int write_one_byte(int fd, unsigned char ch) noexcept;
+
+}  // namespace runtime

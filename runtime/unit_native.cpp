@@ -1,0 +1,98 @@
+// The library's own unit table, for processes without a gfortran run-time. A unit is a
+// descriptor; reads and writes go straight to it, so there is nothing to buffer or flush.
+#include <cerrno>
+#include <cstring>
+#include <pthread.h>
+#include <unistd.h>
+
+#include "frame/memory.h"
+#include "runtime/unit_backend.h"
+#include "runtime/units.h"
+
+namespace runtime {
+namespace {
+
+struct NativeUnit {
+    std::int64_t unit;
+    int fd;
+};
+
+// Units 5, 6 and 0 are preconnected to standard input, output and error.
+NativeUnit preconnected[] = {{5, 0}, {6, 1}, {0, 2}};
+NativeUnit* table = preconnected;
+std::size_t used = 3;
+std::size_t capacity = 3;
+pthread_mutex_t table_lock = PTHREAD_MUTEX_INITIALIZER;
+
+class TableGuard {
+public:
+    TableGuard() noexcept { pthread_mutex_lock(&table_lock); }
+    ~TableGuard() { pthread_mutex_unlock(&table_lock); }
+    TableGuard(const TableGuard&) = delete;
+    TableGuard& operator=(const TableGuard&) = delete;
+};
+
+NativeUnit* find(std::int64_t unit) noexcept {
+    for (std::size_t i = 0; i < used; ++i)
+        if (table[i].unit == unit) return &table[i];
+    return nullptr;
+}
+
+bool grow() noexcept {
+    const std::size_t wanted = capacity * 2;
+    auto* bigger = static_cast<NativeUnit*>(frame::allocate(wanted * sizeof(NativeUnit)));
+    if (bigger == nullptr) return false;
+    std::memcpy(bigger, table, used * sizeof(NativeUnit));
+    if (table != preconnected) frame::release(table);
+    table = bigger;
+    capacity = wanted;
+    return true;
+}
+
+int descriptor(std::int64_t unit) {
+    TableGuard guard;
+    const NativeUnit* u = find(unit);
+    return u != nullptr ? u->fd : -1;
+}
+
+int flush(std::int64_t unit) { return descriptor(unit) >= 0 ? 1 : 0; }
+
+int read_char(std::int64_t unit) {
+    const int fd = descriptor(unit);
+    return fd < 0 ? -EBADF : read_one_byte(fd);
+}
+
+int write_char(std::int64_t unit, unsigned char ch) {
+    const int fd = descriptor(unit);
+    return fd < 0 ? -EBADF : write_one_byte(fd, ch);
+}
+
+int seek(std::int64_t unit, std::int64_t offset, int origin) {
+    return lseek(descriptor(unit), offset, origin) < 0 ? -errno : 0;
+}
+
+std::int64_t position(std::int64_t unit) {
+    const off_t at = lseek(descriptor(unit), 0, SEEK_CUR);
+    return at < 0 ? -errno : at;
+}
+
+int attach(int fd, std::int32_t unit, UnitAccess) {
+    TableGuard guard;
+    if (NativeUnit* u = find(unit)) {
+        u->fd = fd;
+        return 0;
+    }
+    if (used == capacity && !grow()) return ENOMEM;
+    table[used++] = {unit, fd};
+    return 0;
+}
+
+void flush_all() {}
+
+constexpr UnitOps kNativeOps = {descriptor, flush, read_char, write_char, seek, position, attach, flush_all};
+
+}  // namespace
+
+const UnitOps& native_unit_ops() noexcept { return kNativeOps; }
+
+}  // namespace runtime

@@ -1,0 +1,50 @@
+// Fortran units as the library sees them. Two back ends stand behind these operations:
+// the gfortran run-time's own units when the process contains it (a unit opened by a
+// Fortran OPEN is then the same unit here), or the library's native unit table, with
+// units 5, 6 and 0 preconnected to descriptors 0, 1 and 2. The choice is made once, at
+// first use, and is the same for every routine.
+//
+// Results, the same in both back ends:
+//   descriptor: -1 when the unit is not connected;
+//   read one character: the byte (0-255), -2 at end of file, another negative value
+//     (the negated error number) on error; a unit that is not connected is an error;
+//   write one character: 0 on success, the negated error number on error;
+//   seek: 0, or the negated error number (-EBADF for a unit that is not connected,
+//     -EINVAL for a position before the start or an unknown origin);
+//   position: the byte offset, or the negated error number;
+//   flush: non-zero on success, 0 when the unit is not connected or the flush fails.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace runtime {
+
+constexpr int kEndOfFile = -2;
+
+// The unit's descriptor (pending output flushed first), or -1. When name is not null,
+// *name_length holds its capacity on entry and the length of the unit's file name on
+// return (the name is cut to the capacity, not terminated).
+int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_length) noexcept;
+int __quenvatix_d_readchar(std::int64_t unit) noexcept;
+int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept;
+int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
+int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
+std::int64_t __quenvatix_d_curpos(std::int64_t unit) noexcept;
+std::int64_t __quenvatix_d_curpos_i8(std::int64_t unit) noexcept;
+
+// The POSIX-I/O mode: sets it to *new_value and returns the previous setting.
+std::int32_t __quenvatix_set_posix_io_flag(const std::int32_t* new_value, std::int32_t* old_value,
+                                           std::int32_t* ierror) noexcept;
+
+// Attaches descriptor fd to the unit with the access the text names; 0 or an error number.
+int for_fdopen(int fd, std::int32_t unit, const char* access, std::size_t access_length) noexcept;
+
+// Flushes every unit (before the program ends).
+void flush_all_units() noexcept;
+
+// Which back end serves this process.
+enum class UnitBackend { native, gfortran };
+UnitBackend unit_backend() noexcept;
+
+}  // namespace runtime

@@ -1,0 +1,27 @@
+# Runs a test program that ends the process on purpose and checks how it ended.
+# Usage: cmake -DPROGRAM=<exe> -DEXPECT=<name.expect.cmake> -P run_expect.cmake
+# The expectation file may set EXPECT_EXIT_CODE, EXPECT_ABORT, EXPECT_STDERR (a regex),
+# EXPECT_FILE and EXPECT_FILE_CONTENT.
+cmake_minimum_required(VERSION 3.25)
+include(${EXPECT})
+if(EXISTS "${EXPECT_FILE}")
+  file(REMOVE "${EXPECT_FILE}")
+endif()
+execute_process(COMMAND ${PROGRAM} RESULT_VARIABLE result ERROR_VARIABLE err OUTPUT_VARIABLE out)
+if(EXPECT_ABORT)
+  if(NOT result MATCHES "Child aborted|Subprocess aborted")
+    message(FATAL_ERROR "expected an abort, got '${result}'\n${err}")
+  endif()
+elseif(NOT result STREQUAL "${EXPECT_EXIT_CODE}")
+  message(FATAL_ERROR "expected exit status ${EXPECT_EXIT_CODE}, got '${result}'\n${err}")
+endif()
+if(DEFINED EXPECT_STDERR AND NOT err MATCHES "${EXPECT_STDERR}")
+  message(FATAL_ERROR "standard error '${err}' does not match '${EXPECT_STDERR}'")
+endif()
+if(DEFINED EXPECT_FILE)
+  file(READ "${EXPECT_FILE}" content)
+  if(NOT content STREQUAL "${EXPECT_FILE_CONTENT}")
+    message(FATAL_ERROR "${EXPECT_FILE} holds '${content}', expected '${EXPECT_FILE_CONTENT}'")
+  endif()
+  file(REMOVE "${EXPECT_FILE}")
+endif()

@@ -1,0 +1,96 @@
+! The run-time's unit operations inside a gfortran program: they act on the program's own
+! units, opened with OPEN, and a descriptor attached to a unit works with READ and WRITE.
+program unit_bridge
+  use runtime_shim
+  use tarvo_check
+  implicit none
+  integer :: fd, n, ios
+  character(len=80) :: line, arg
+  character(len=2) :: short
+
+  call check_int('gfortran back end chosen', backend_is_gfortran(), 1)
+
+  ! A stream unit: the descriptor shows what WRITE buffered, then characters and positions.
+  open (10, file='bridge.bin', status='replace', access='stream', form='unformatted')
+  write (10) 'abc'
+  fd = gethandle(10)
+  call check_true('descriptor of unit 10', fd > 2)
+  call check_int8('pending output flushed before the descriptor is used', size_of(fd), 3_8)
+  call check_int('writechar', writechar(10, ichar('d')), 0)
+  call check_int8('curpos after writechar', curpos(10), 4_8)
+  call check_int('seek to start', fseek_unit(10, 0_8, 0), 0)
+  call check_int('readchar', readchar(10), ichar('a'))
+  call check_int('seek to end', fseek_unit(10, 0_8, 2), 0)
+  call check_int('readchar at end of file', readchar(10), -2)
+  call check_int('seek before the start', fseek_unit(10, -1_8, 0), -22)
+  call check_int('seek with an unknown origin', fseek_unit(10, 0_8, 7), -22)
+  call check_int('seek relative', fseek_unit(10, -2_8, 1), 0)
+  call check_int('readchar after relative seek', readchar(10), ichar('c'))
+  close (10, status='delete')
+
+  ! A unit that is not open is an error, never end of file.
+  call check_int('gethandle of a closed unit', gethandle(11), -1)
+  call check_int('readchar of a closed unit', readchar(11), -9)
+  call check_int('writechar of a closed unit', writechar(11, 65), -9)
+  call check_int('seek of a closed unit', fseek_unit(11, 0_8, 0), -9)
+  call check_int8('curpos of a closed unit', curpos(11), -9_8)
+  call check_true('standard output is preconnected', gethandle(6) == 1)
+
+  ! Attach a descriptor whose offset has moved: READ continues there, WRITE follows it.
+  open (12, file='attach.txt', status='replace')
+  write (12, '(a)') 'hello'
+  write (12, '(a)') 'world'
+  close (12)
+  fd = c_open('attach.txt' // c_null_char, 1, 6)
+  call check_int('fdopen read-write', fdopen_unit(fd, 20, 'r+' // c_null_char), 0)
+  read (20, '(a)', iostat=ios) line
+  call check_int('READ on the attached unit', ios, 0)
+  call check_str('READ continues at the descriptor offset', line, 'world')
+  write (20, '(a)') 'more'
+  close (20)
+  open (12, file='attach.txt', status='old')
+  read (12, '(a)') line
+  read (12, '(a)') line
+  read (12, '(a)') line
+  call check_str('WRITE on the attached unit', line, 'more')
+  close (12)
+
+  ! Append access puts the shared description in append mode.
+  fd = c_open_write_only('attach.txt' // c_null_char)
+  call check_int('fdopen append', fdopen_unit(fd, 21, 'a' // c_null_char), 0)
+  write (21, '(a)') 'tail'
+  close (21)
+  open (12, file='attach.txt', status='old')
+  do n = 1, 4
+    read (12, '(a)') line
+  end do
+  call check_str('appended line', line, 'tail')
+  close (12, status='delete')
+
+  ! A pipe read through READ.
+  fd = pipe_with('piped' // achar(10) // c_null_char)
+  call check_int('fdopen of a pipe', fdopen_unit(fd, 22, 'r' // c_null_char), 0)
+  read (22, '(a)', iostat=ios) line
+  call check_int('READ from the pipe', ios, 0)
+  call check_str('pipe text', line, 'piped')
+  close (22)
+
+  ! Attaching checks its arguments.
+  call check_int('fdopen of a bad descriptor', fdopen_unit(-1, 23, 'r' // c_null_char), 9)
+  fd = c_open('/dev/null' // c_null_char, 0, 0)
+  call check_int('fdopen writing a read-only descriptor', fdopen_unit(fd, 23, 'w' // c_null_char), 22)
+  n = c_close(fd)
+
+  ! The command line comes from the gfortran run-time.
+  call check_int('nargs', nargs(), command_argument_count() + 1)
+  call get_command_argument(0, arg)
+  line = ' '
+  n = getarg_len(0, line, len(line))
+  call check_str('getarg 0', line, arg)
+  call check_int('getarg 0 length', n, len_trim(arg))
+  n = getarg_len(0, short, len(short))
+  call check_str('getarg cut', short, arg(1:2))
+  call check_int('getarg of a missing word', getarg_len(5, line, len(line)), -1)
+
+  call checks_done('unit_bridge')
+end program unit_bridge

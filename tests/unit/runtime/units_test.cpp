@@ -1,0 +1,162 @@
+// The native unit table: preconnection, attaching descriptors, character I/O, positioning.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "runtime/units.h"
+#include "support/support.h"
+#include <tarvo/runtime.h>
+
+namespace {
+
+using namespace runtime;
+
+class NativeUnits : public tarvo_test::ScratchDirTest {
+protected:
+    // Opens name with flags and attaches it to unit; returns the descriptor.
+    int attach(std::int32_t unit, const std::string& name, int flags, const char* access) {
+        const int fd = open(path(name).c_str(), flags | O_CLOEXEC, 0644);
+        EXPECT_GE(fd, 0);
+        EXPECT_EQ(for_fdopen(fd, unit, access, std::strlen(access)), 0);
+        return fd;
+    }
+};
+
+TEST_F(NativeUnits, ProcessWithoutGfortranUsesTheNativeTable) {
+    EXPECT_EQ(unit_backend(), UnitBackend::native);
+}
+
+TEST_F(NativeUnits, StandardUnitsArePreconnected) {
+    EXPECT_EQ(__quenvatix_d_gethandle(5, nullptr, nullptr), 0);
+    EXPECT_EQ(__quenvatix_d_gethandle(6, nullptr, nullptr), 1);
+    EXPECT_EQ(__quenvatix_d_gethandle(0, nullptr, nullptr), 2);
+    EXPECT_EQ(__quenvatix_d_gethandle(7, nullptr, nullptr), -1);
+    EXPECT_EQ(__quenvatix_d_gethandle(std::int64_t{1} << 40 | 5, nullptr, nullptr), -1);
+}
+
+TEST_F(NativeUnits, AttachedUnitReadsWritesAndPositions) {
+    write_file("data", "xyz");
+    const int fd = attach(20, "data", O_RDWR, "r+");
+    EXPECT_EQ(__quenvatix_d_readchar(20), 'x');
+    EXPECT_EQ(__quenvatix_d_curpos(20), 1);
+    EXPECT_EQ(__quenvatix_d_fseek(20, 0, 2), 0);
+    EXPECT_EQ(__quenvatix_d_readchar(20), kEndOfFile);
+    EXPECT_EQ(__quenvatix_d_writechar(20, '!'), 0);
+    EXPECT_EQ(__quenvatix_d_writechar(20, -1), 0);  // a sign-extended byte is still a byte
+    EXPECT_EQ(__quenvatix_d_curpos_i8(20), 5);
+    EXPECT_EQ(__quenvatix_d_fseek_i8(20, -4, 1), 0);
+    EXPECT_EQ(__quenvatix_d_readchar(20), 'y');
+    EXPECT_EQ(read_file("data"), std::string("xyz!\xff"));
+    close(fd);
+}
+
+TEST_F(NativeUnits, SeekErrors) {
+    write_file("data", "abc");
+    const int fd = attach(21, "data", O_RDONLY, "r");
+    EXPECT_EQ(__quenvatix_d_fseek(21, -1, 0), -EINVAL);
+    EXPECT_EQ(__quenvatix_d_fseek(21, 0, 3), -EINVAL);  // only start, current and end
+    EXPECT_EQ(__quenvatix_d_fseek(22, 0, 0), -EBADF);
+    EXPECT_EQ(__quenvatix_d_curpos(22), -EBADF);
+    close(fd);
+}
+
+TEST_F(NativeUnits, CharacterErrorsAreNegatedErrorNumbers) {
+    write_file("data", "abc");
+    const int fd = attach(23, "data", O_WRONLY, "w");
+    EXPECT_EQ(__quenvatix_d_readchar(23), -EBADF);  // open for writing only
+    EXPECT_EQ(__quenvatix_d_readchar(24), -EBADF);  // not connected: an error, not end of file
+    EXPECT_EQ(__quenvatix_d_writechar(24, 'a'), -EBADF);
+    close(fd);
+    EXPECT_EQ(__quenvatix_d_writechar(23, 'a'), -EBADF);  // descriptor closed under the unit
+}
+
+TEST_F(NativeUnits, PipeCannotBePositioned) {
+    int p[2];
+    ASSERT_EQ(pipe(p), 0);
+    ASSERT_EQ(for_fdopen(p[0], 30, "r", 1), 0);
+    EXPECT_EQ(__quenvatix_d_curpos(30), -ESPIPE);
+    EXPECT_EQ(__quenvatix_d_fseek(30, 0, 0), -ESPIPE);
+    ASSERT_EQ(write(p[1], "q", 1), 1);
+    close(p[1]);
+    EXPECT_EQ(__quenvatix_d_readchar(30), 'q');
+    EXPECT_EQ(__quenvatix_d_readchar(30), kEndOfFile);
+    close(p[0]);
+}
+
+TEST_F(NativeUnits, AttachChecksDescriptorAndAccessText) {
+    write_file("data", "abc");
+    const int ro = open(path("data").c_str(), O_RDONLY | O_CLOEXEC);
+    EXPECT_EQ(for_fdopen(ro, 31, "w", 1), EINVAL);       // not open for writing
+    EXPECT_EQ(for_fdopen(ro, 31, "rw?", 3), EINVAL);     // not an access text
+    EXPECT_EQ(for_fdopen(-1, 31, "r", 1), EBADF);
+    EXPECT_EQ(__quenvatix_d_gethandle(31, nullptr, nullptr), -1);  // nothing attached
+    EXPECT_EQ(for_fdopen(ro, 31, "READ  ", 6), 0);       // action word, any case, blanks
+    EXPECT_EQ(__quenvatix_d_gethandle(31, nullptr, nullptr), ro);
+    EXPECT_EQ(for_fdopen(ro, 31, "   ", 3), 0);          // blank: as the descriptor was opened
+    close(ro);
+}
+
+TEST_F(NativeUnits, AppendAccessPutsTheDescriptorInAppendMode) {
+    write_file("log", "start");
+    const int fd = attach(32, "log", O_WRONLY, "a");
+    EXPECT_NE(fcntl(fd, F_GETFL) & O_APPEND, 0);
+    EXPECT_EQ(__quenvatix_d_fseek(32, 0, 0), 0);
+    EXPECT_EQ(__quenvatix_d_writechar(32, '+'), 0);
+    EXPECT_EQ(read_file("log"), "start+");
+    close(fd);
+}
+
+TEST_F(NativeUnits, ManyUnitsCanBeAttachedAndReplaced) {
+    write_file("data", "abc");
+    const int fd = open(path("data").c_str(), O_RDONLY | O_CLOEXEC);
+    for (std::int32_t unit = 100; unit < 200; ++unit) ASSERT_EQ(for_fdopen(fd, unit, "r", 1), 0);
+    for (std::int32_t unit = 100; unit < 200; ++unit) ASSERT_EQ(__quenvatix_d_gethandle(unit, nullptr, nullptr), fd);
+    const int other = dup(fd);
+    ASSERT_EQ(for_fdopen(other, 150, "r", 1), 0);
+    EXPECT_EQ(__quenvatix_d_gethandle(150, nullptr, nullptr), other);
+    close(fd);
+    close(other);
+}
+
+TEST_F(NativeUnits, HandleReportsTheFileName) {
+    write_file("named", "");
+    const int fd = attach(40, "named", O_RDONLY, "r");
+    char name[256];
+    std::int32_t length = 255;
+    EXPECT_EQ(__quenvatix_d_gethandle(40, name, &length), fd);
+    EXPECT_EQ(std::string(name, static_cast<std::size_t>(length)), path("named"));
+    std::int32_t short_length = 4;
+    EXPECT_EQ(__quenvatix_d_gethandle(40, name, &short_length), fd);
+    EXPECT_EQ(short_length, 4);  // cut to the capacity given
+    close(fd);
+}
+
+TEST_F(NativeUnits, FlushAndCommit) {
+    write_file("data", "");
+    const int fd = attach(41, "data", O_WRONLY, "w");
+    std::int32_t unit = 41, missing = 42;
+    EXPECT_NE(flushqq_(&unit), 0);
+    EXPECT_NE(commitqq_(&unit), 0);
+    EXPECT_EQ(flushqq_(&missing), 0);
+    EXPECT_EQ(commitqq_(&missing), 0);
+    EXPECT_EQ(flushqq_(nullptr), 0);
+    int p[2];
+    ASSERT_EQ(pipe(p), 0);
+    ASSERT_EQ(for_fdopen(p[1], 43, "w", 1), 0);
+    std::int32_t piped = 43;
+    EXPECT_NE(commitqq_(&piped), 0);  // nothing to commit on a pipe, and no failure
+    close(p[0]);
+    close(p[1]);
+    close(fd);
+}
+
+TEST(PosixIoFlag, SetReturnsThePreviousSetting) {
+    std::int32_t on = 1, off = 0, old = 0, err = 0;
+    EXPECT_EQ(__quenvatix_set_posix_io_flag(&on, &old, &err), 0);
+    EXPECT_EQ(__quenvatix_set_posix_io_flag(&off, &old, &err), 1);
+    EXPECT_EQ(__quenvatix_set_posix_io_flag(&off, &old, &err), 0);
+}
+
+}  // namespace
