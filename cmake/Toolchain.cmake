@@ -5,12 +5,13 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 if(TARVO_ARCH STREQUAL "i386")
-  # 32-bit build: 64-bit file offsets so stat of large files works; time_t stays 4 bytes.
+  # 32-bit build (the preset passes -m32 in the compiler flags, so CMake sees a 32-bit
+  # target): 64-bit file offsets so stat of large files works; time_t stays 4 bytes.
+  if(NOT CMAKE_SIZEOF_VOID_P EQUAL 4)
+    message(FATAL_ERROR "TARVO_ARCH=i386 needs -m32 in CMAKE_<LANG>_FLAGS (use the i386 preset)")
+  endif()
   set(TARVO_ARCH_FLAGS -m32 -D_FILE_OFFSET_BITS=64)
-  add_compile_options(${TARVO_ARCH_FLAGS})
-  add_link_options(-m32)
-  set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
-  set(FIND_LIBRARY_USE_LIB64_PATHS OFF)
+  add_compile_definitions(_FILE_OFFSET_BITS=64)
   set_property(GLOBAL PROPERTY FIND_LIBRARY_USE_LIB64_PATHS OFF)
 elseif(NOT TARVO_ARCH STREQUAL "x86_64")
   message(FATAL_ERROR "TARVO_ARCH must be x86_64 or i386, not '${TARVO_ARCH}'")

@@ -43,7 +43,9 @@ if(ARCHIVE)
   foreach(line IN LISTS ar_lines)
     if(line MATCHES "^[0-9a-fA-F]+ [A-Za-z] ([^ ]+)$")
       set(name "${CMAKE_MATCH_1}")
-      if(NOT name MATCHES "^_Z" AND NOT name IN_LIST expected)
+      # C++ symbols are mangled; __x86.get_pc_thunk.* and __odr_asan.* are
+      # helpers of the 32-bit compiler and of AddressSanitizer.
+      if(NOT name MATCHES "^(_Z|__x86\\.get_pc_thunk\\.|__odr_asan\\.)" AND NOT name IN_LIST expected)
         list(APPEND stray "${name}")
       endif()
     endif()
