@@ -6,18 +6,19 @@ install(TARGETS tarvoport tarvoport_static EXPORT TarvoPortTargets
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/tarvo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 
+# One module directory per Fortran compiler: the .pc file names them as moduledir (gfortran)
+# and flang_moduledir.
 set(TARVO_INSTALL_MODULEDIR "")
-if(TARVO_HAVE_GFORTRAN)
-  set(TARVO_INSTALL_MODULEDIR ${CMAKE_INSTALL_INCLUDEDIR}/tarvo/${TARVO_GFORTRAN_ID})
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/include/tarvo/${TARVO_GFORTRAN_ID}
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod")
-endif()
 set(TARVO_INSTALL_FLANG_MODULEDIR "")
-if(TARVO_FLANG)
-  set(TARVO_INSTALL_FLANG_MODULEDIR ${CMAKE_INSTALL_INCLUDEDIR}/tarvo/${TARVO_FLANG_ID})
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/include/tarvo/${TARVO_FLANG_ID}
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod")
-endif()
+foreach(_pair "GFORTRAN;TARVO_INSTALL_MODULEDIR" "FLANG;TARVO_INSTALL_FLANG_MODULEDIR")
+  list(GET _pair 0 _compiler)
+  list(GET _pair 1 _var)
+  if(TARVO_${_compiler}_ID)
+    set(${_var} ${CMAKE_INSTALL_INCLUDEDIR}/tarvo/${TARVO_${_compiler}_ID})
+    install(DIRECTORY ${PROJECT_BINARY_DIR}/include/tarvo/${TARVO_${_compiler}_ID}
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod")
+  endif()
+endforeach()
 
 set(_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/TarvoPort)
 install(EXPORT TarvoPortTargets NAMESPACE TarvoPort:: DESTINATION ${_cmakedir})
