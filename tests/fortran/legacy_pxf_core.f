@@ -1,43 +1,37 @@
-C     The PXF core in the classic calling style: no module, routines declared EXTERNAL.
+C     The PXF core in the classic calling style: routines declared EXTERNAL, no interfaces.
       PROGRAM LEGACY
+      USE TARVO_CHECK
       INTEGER IPXFCONST
       LOGICAL PXFISCONST
       EXTERNAL PXFCONST, IPXFCONST, PXFISCONST, PXFSTRUCTCREATE
       EXTERNAL PXFSTRUCTFREE, PXFINTSET, PXFINTGET, PXFSTRSET, PXFSTRGET
-      INTEGER IVAL, IERR, JUTS, JTIM, ILEN, NBAD
+      INTEGER IVAL, IERR, JUTS, JTIM, ILEN
       CHARACTER*20 NAME
-      NBAD = 0
 
       CALL PXFCONST('SIGKILL', IVAL, IERR)
-      IF (IERR .NE. 0 .OR. IVAL .NE. 9) CALL BAD('PXFCONST', NBAD)
-      IF (IPXFCONST('NOSUCHNAME') .NE. -1) CALL BAD('IPXFCONST', NBAD)
-      IF (.NOT. PXFISCONST('eexist')) CALL BAD('PXFISCONST', NBAD)
+      CALL CHECK_INT('PXFCONST SIGKILL', IVAL, 9)
+      CALL CHECK_INT('IPXFCONST unknown', IPXFCONST('NOSUCHNAME'), -1)
+      CALL CHECK_TRUE('PXFISCONST eexist', PXFISCONST('eexist'))
 
       CALL PXFSTRUCTCREATE('utimbuf', JTIM, IERR)
-      IF (IERR .NE. 0) CALL BAD('CREATE UTIMBUF', NBAD)
+      CALL CHECK_INT('create utimbuf', IERR, 0)
       CALL PXFINTSET(JTIM, 'modtime', 86400, IERR)
       CALL PXFINTGET(JTIM, 'MODTIME', IVAL, IERR)
-      IF (IVAL .NE. 86400) CALL BAD('MODTIME', NBAD)
+      CALL CHECK_INT('modtime', IVAL, 86400)
       CALL PXFINTGET(JTIM, 'st_size', IVAL, IERR)
-      IF (IERR .NE. 126) CALL BAD('ENONAME', NBAD)
+      CALL CHECK_INT('field of another type', IERR, 126)
 
       CALL PXFSTRUCTCREATE('UTSNAME', JUTS, IERR)
       CALL PXFSTRSET(JUTS, 'machine', 'pdp11     ', 0, IERR)
       CALL PXFSTRGET(JUTS, 'machine', NAME, ILEN, IERR)
-      IF (NAME .NE. 'pdp11' .OR. ILEN .NE. 5) CALL BAD('MACHINE', NBAD)
+      CALL CHECK_STR('machine', NAME, 'pdp11')
+      CALL CHECK_INT('machine length', ILEN, 5)
 
       CALL PXFSTRUCTFREE(JUTS, IERR)
       CALL PXFSTRUCTFREE(JTIM, IERR)
-      IF (IERR .NE. 0 .OR. JTIM .NE. 0) CALL BAD('FREE', NBAD)
+      CALL CHECK_INT('free', IERR, 0)
+      CALL CHECK_INT('handle after free', JTIM, 0)
       CALL PXFSTRUCTFREE(JTIM, IERR)
-      IF (IERR .NE. 127) CALL BAD('FREE TWICE', NBAD)
-      IF (NBAD .NE. 0) STOP 1
-      WRITE (*, '(A)') 'legacy_pxf_core: all checks passed'
-      END
-
-      SUBROUTINE BAD(WHAT, NBAD)
-      CHARACTER*(*) WHAT
-      INTEGER NBAD
-      WRITE (0, '(A, A)') 'failed: ', WHAT
-      NBAD = NBAD + 1
+      CALL CHECK_INT('free twice', IERR, 127)
+      CALL CHECKS_DONE('legacy_pxf_core')
       END
