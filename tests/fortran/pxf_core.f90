@@ -71,6 +71,7 @@ program pxf_core
   call check_int('eintget last element', ival, 3 * nccs)
   call pxfeintget(jterm, 'c_cc', 0, ival, ierror)
   call check_int('eintget index 0', ierror, EARRAYLEN)
+  deallocate (cc, back)
 
   ! "group" texts belong to the instance
   jgroup = 0
