@@ -4,18 +4,11 @@
 #include <cstring>
 #include <vector>
 
-#include "frame/handles.h"
-#include "frame/memory.h"
-#include "posix/instances.h"
 #include "posix/pxf_support.h"
 
 namespace {
 
 using namespace pxf_test;
-
-void* instance_of(std::int32_t handle) {
-    return frame::get_address_from_handle(handle, frame::HandleTable::allocatable);
-}
 
 TEST(Instances, EveryTypeByNameInAnyCase) {
     const char* names[] = {"sigset", "SIGACTION", "utsname ", "Tms", "dirent", "STAT   trailing words",
@@ -135,27 +128,6 @@ TEST(Copies, PlainTypesCopyEveryField) {
     ASSERT_EQ(set(a.handle, "c_lflag", std::int32_t{-5}), 0);
     ASSERT_EQ(copy("termios", a.handle, b.handle), 0);
     EXPECT_EQ(std::memcmp(instance_of(a.handle), instance_of(b.handle), sizeof(posix::TermiosInstance)), 0);
-}
-
-// A "group" with a name and members, as the database lookups leave it.
-void fill_group(std::int32_t handle, const std::vector<std::string>& members) {
-    auto& group = *static_cast<posix::GroupInstance*>(instance_of(handle));
-    ASSERT_EQ(set_text(handle, "gr_name", "staff"), 0);
-    posix::release_members(group);
-    group.gr_mem = static_cast<char**>(frame::allocate_zeroed(members.size(), sizeof(char*)));
-    group.members = group.gr_nmem = static_cast<std::int32_t>(members.size());
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        posix::OwnedText text{};
-        ASSERT_TRUE(posix::copy_text(text, members[i].data(), members[i].size()));
-        group.gr_mem[i] = text.text;
-    }
-}
-
-std::string member(std::int32_t handle, std::int32_t index) {
-    tarvo_test::FString value(64);
-    std::int32_t ilen = -1, ierror = -1;
-    pxfestrget_(&handle, "gr_mem", &index, value.data(), &ilen, &ierror, 6, value.size());
-    return ierror == 0 ? value.trimmed() : "<" + std::to_string(ierror) + ">";
 }
 
 TEST(Copies, GroupAndPasswdTextsAreCopiedDeeply) {
