@@ -30,6 +30,12 @@ namespace posix {
 
 constexpr std::int32_t kDirectoryStreamTag = 0x44495253;  // not a structure type
 
+// What a directory-stream handle names: the host's stream behind a tag of its own.
+struct DirectoryStream {
+    std::int32_t tag;  // kDirectoryStreamTag
+    DIR* stream;
+};
+
 // A text owned by a "group" or "passwd" instance: `length` characters at `text`, or
 // nothing (null, 0). Readers always take the length from here, never from a terminator:
 // the "passwd" lookups store exactly the characters, every other writer adds a NUL.

@@ -94,14 +94,14 @@ TEST(Instances, FreeingWhatIsNoInstance) {
         EXPECT_EQ(errno, EINVAL);
     }
 #endif
-    // A block of another kind in the table (its tag is no type) is left alone.
-    std::int32_t foreign[4] = {posix::kDirectoryStreamTag};
-    std::int32_t fh = frame::get_handle_from_alloc_address(foreign);
+    // A directory stream's handle names no instance: it is left alone.
+    posix::DirectoryStream foreign{posix::kDirectoryStreamTag, nullptr};
+    std::int32_t fh = frame::get_handle_from_alloc_address(&foreign);
     errno = 0;
     EXPECT_EQ(free_instance(fh), TARVO_ENONAME);
     EXPECT_EQ(errno, EINVAL);
     EXPECT_NE(fh, 0);
-    EXPECT_EQ(instance_of(fh), foreign);
+    EXPECT_EQ(instance_of(fh), &foreign);
     frame::free_alloc_handle(fh);
 }
 
