@@ -166,8 +166,9 @@ Text text_of(const Target& target) noexcept {
 // The characters of VALUE that pxfstrset_ stores: the first ILEN, or VALUE less its
 // trailing blanks when ILEN is 0. -1 for an ILEN below 0 or beyond VALUE.
 frame::flen length_to_set(const char* value, std::size_t value_len, std::int32_t ilen) noexcept {
-    if (ilen == 0) return frame::trimmed_length(value, frame::signed_length(value_len));
-    return ilen < 0 || ilen > frame::signed_length(value_len) ? -1 : ilen;
+    const frame::flen declared = value != nullptr ? frame::signed_length(value_len) : 0;
+    if (ilen == 0) return frame::trimmed_length(value, declared);
+    return ilen < 0 || ilen > declared ? -1 : ilen;
 }
 
 void set_text(const Target& target, const char* value, std::size_t length, std::int32_t* ierror) noexcept {

@@ -216,6 +216,9 @@ TEST(FieldTexts, TruncationAndLengths) {
         EXPECT_EQ(set_text(uts.handle, "nodename", c.value, c.ilen), c.ierror) << c.value << c.ilen;
         EXPECT_EQ(text_of(uts.handle, "nodename"), c.stored) << c.value << c.ilen;
     }
+    std::int32_t three = 3, ierror = 0;
+    pxfstrset_(&uts.handle, "nodename", nullptr, &three, &ierror, 8, 5);  // no VALUE at all
+    EXPECT_EQ(ierror, EINVAL);
 }
 
 TEST(FieldTexts, OwnedTextsWithoutTerminatorOrMemory) {
