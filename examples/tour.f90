@@ -8,6 +8,7 @@ program tour
   call show_library()
   call show_files()
   call show_terminal()
+  call show_posix()
 
 contains
 
@@ -72,5 +73,38 @@ contains
       call item('standard output', 'not a terminal')
     end if
   end subroutine show_terminal
+
+  subroutine show_posix()
+    integer :: ival, ierror, jstat, jcopy, ilen
+    integer(8) :: size
+    character(len=40) :: name
+    call heading('POSIX binding')
+    ! Constants by name, with this system's values.
+    call pxfconst('SIGUSR1', ival, ierror)
+    call item('pxfconst SIGUSR1', trim(str(ival)) // ', ierror ' // trim(str(ierror)))
+    call item('ipxfconst o_creat', str(ipxfconst('o_creat')))
+    call pxfconst('NO_SUCH_NAME', ival, ierror)
+    call item('pxfconst NO_SUCH_NAME', trim(str(ival)) // ', ierror ' // trim(str(ierror)) // ' (ENONAME)')
+    ! A structure instance, its fields by name, a copy, and the end of both.
+    jstat = 0
+    jcopy = 0
+    call pxfstructcreate('stat', jstat, ierror)
+    call pxfstructcreate('stat', jcopy, ierror)
+    call pxfint8set(jstat, 'st_size', 5000000000_8, ierror)
+    call pxfintget(jstat, 'st_size', ival, ierror)
+    call item('5 GB st_size as INTEGER', 'ierror ' // trim(str(ierror)) // ' (ERANGE: use pxfint8get)')
+    call pxfstructcopy('stat', jstat, jcopy, ierror)
+    call pxfint8get(jcopy, 'st_size', size, ierror)
+    write (name, '(i0)') size
+    call item('copied st_size', trim(name))
+    call pxfstructfree(jcopy, ierror)
+    call pxfstructfree(jstat, ierror)
+    call item('handle after free', str(jstat))
+    call pxfstructcreate('passwd', jstat, ierror)
+    call pxfstrset(jstat, 'pw_shell', '/bin/sh   ', 0, ierror)
+    call pxfstrget(jstat, 'pw_shell', name, ilen, ierror)
+    call item('pw_shell', trim(name) // ' (' // trim(str(ilen)) // ' characters)')
+    call pxfstructfree(jstat, ierror)
+  end subroutine show_posix
 
 end program tour

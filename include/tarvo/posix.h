@@ -1,4 +1,6 @@
-/* Tarvo Fortran portability library: the POSIX binding (PXF routines). */
+/* Tarvo Fortran portability library: the POSIX binding (PXF routines).
+ * Every argument is passed by reference; hidden CHARACTER lengths follow the visible
+ * arguments in order. Routines report through their last visible argument, IERROR. */
 #ifndef TARVO_POSIX_H
 #define TARVO_POSIX_H
 
@@ -7,6 +9,115 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* --- constants ------------------------------------------------------------------- */
+
+/* SUBROUTINE PXFCONST(CONSTNAME, IVAL, IERROR) */
+void pxfconst_(const char *constname, int32_t *ival, int32_t *ierror, tarvo_len_t constname_len);
+/* INTEGER FUNCTION IPXFCONST(CONSTNAME): the value, or -1 for an unknown name. */
+int32_t ipxfconst_(const char *constname, tarvo_len_t constname_len);
+/* LOGICAL FUNCTION PXFISCONST(CONSTNAME) */
+int32_t pxfisconst_(const char *constname, tarvo_len_t constname_len);
+
+/* --- structure instances --------------------------------------------------------- */
+
+/* SUBROUTINE PXFSTRUCTCREATE(STRUCTNAME, JHANDLE, IERROR) */
+void pxfstructcreate_(const char *structname, int32_t *jhandle, int32_t *ierror, tarvo_len_t structname_len);
+/* SUBROUTINE PXFSTRUCTCOPY(STRUCTNAME, JHANDLE1, JHANDLE2, IERROR): JHANDLE1 into JHANDLE2. */
+void pxfstructcopy_(const char *structname, const int32_t *jhandle1, const int32_t *jhandle2,
+                    int32_t *ierror, tarvo_len_t structname_len);
+/* SUBROUTINE PXFSTRUCTFREE(JHANDLE, IERROR): JHANDLE becomes 0. */
+void pxfstructfree_(int32_t *jhandle, int32_t *ierror);
+
+/* --- field access ---------------------------------------------------------------- */
+
+/* SUBROUTINE PXFINTGET(JHANDLE, COMPNAME, VALUE, IERROR), PXFINTSET(...) */
+void pxfintget_(const int32_t *jhandle, const char *compname, int32_t *value, int32_t *ierror,
+                tarvo_len_t compname_len);
+void pxfintset_(const int32_t *jhandle, const char *compname, const int32_t *value, int32_t *ierror,
+                tarvo_len_t compname_len);
+/* SUBROUTINE PXFINT8GET(JHANDLE, COMPNAME, VALUE, IERROR), PXFINT8SET(...); VALUE INTEGER(8) */
+void pxfint8get_(const int32_t *jhandle, const char *compname, int64_t *value, int32_t *ierror,
+                 tarvo_len_t compname_len);
+void pxfint8set_(const int32_t *jhandle, const char *compname, const int64_t *value, int32_t *ierror,
+                 tarvo_len_t compname_len);
+/* SUBROUTINE PXFAINTGET(JHANDLE, COMPNAME, VALUE, IALEN, IERROR), PXFAINTSET(...) */
+void pxfaintget_(const int32_t *jhandle, const char *compname, int32_t *value, int32_t *ialen,
+                 int32_t *ierror, tarvo_len_t compname_len);
+void pxfaintset_(const int32_t *jhandle, const char *compname, const int32_t *value, int32_t *ialen,
+                 int32_t *ierror, tarvo_len_t compname_len);
+/* SUBROUTINE PXFAINT8GET(JHANDLE, COMPNAME, VALUE, IALEN, IERROR), PXFAINT8SET(...) */
+void pxfaint8get_(const int32_t *jhandle, const char *compname, int64_t *value, int32_t *ialen,
+                  int32_t *ierror, tarvo_len_t compname_len);
+void pxfaint8set_(const int32_t *jhandle, const char *compname, const int64_t *value, int32_t *ialen,
+                  int32_t *ierror, tarvo_len_t compname_len);
+/* SUBROUTINE PXFEINTGET(JHANDLE, COMPNAME, INDEX, VALUE, IERROR), PXFEINTSET(...) */
+void pxfeintget_(const int32_t *jhandle, const char *compname, const int32_t *index, int32_t *value,
+                 int32_t *ierror, tarvo_len_t compname_len);
+void pxfeintset_(const int32_t *jhandle, const char *compname, const int32_t *index, const int32_t *value,
+                 int32_t *ierror, tarvo_len_t compname_len);
+/* SUBROUTINE PXFSTRGET(JHANDLE, COMPNAME, VALUE, ILEN, IERROR): ILEN receives the length. */
+void pxfstrget_(const int32_t *jhandle, const char *compname, char *value, int32_t *ilen, int32_t *ierror,
+                tarvo_len_t compname_len, tarvo_len_t value_len);
+/* SUBROUTINE PXFSTRSET(JHANDLE, COMPNAME, VALUE, ILEN, IERROR): the first ILEN characters,
+ * or VALUE less its trailing blanks when ILEN is 0. */
+void pxfstrset_(const int32_t *jhandle, const char *compname, const char *value, const int32_t *ilen,
+                int32_t *ierror, tarvo_len_t compname_len, tarvo_len_t value_len);
+/* SUBROUTINE PXFESTRGET(JHANDLE, COMPNAME, INDEX, VALUE, ILEN, IERROR) */
+void pxfestrget_(const int32_t *jhandle, const char *compname, const int32_t *index, char *value,
+                 int32_t *ilen, int32_t *ierror, tarvo_len_t compname_len, tarvo_len_t value_len);
+
+/* SUBROUTINE PXFGETSUBHANDLE(SUB, JHANDLE, IERROR): a handle for the procedure SUB. */
+void pxfgetsubhandle_(void (*sub)(void), int32_t *jhandle, int32_t *ierror);
+/* SUBROUTINE PXFCALLSUBHANDLE(JHANDLE, IVAL, IERROR): calls the procedure with IVAL; the
+ * procedure's INTEGER result is also the result here (0 when the handle names nothing). */
+int32_t pxfcallsubhandle_(const int32_t *jhandle, int32_t *ival, int32_t *ierror);
+
+/* Accessors of the kinds no structure has. Each stores ENONAME in IERROR and sets errno
+ * to EINVAL, whatever the other arguments. Argument lists by form, after JHANDLE and
+ * COMPNAME (the hidden length of COMPNAME, then of a CHARACTER VALUE, follow):
+ *   SINGLE        VALUE, IERROR
+ *   ARRAY         VALUE(*), IALEN, IERROR
+ *   ELEMENT       INDEX, VALUE, IERROR
+ *   TEXT_ARRAY    VALUE(*), ILEN, IALEN, IERROR     (CHARACTER VALUE)
+ *   TEXT_ELEMENT  INDEX, VALUE, ILEN, IERROR        (CHARACTER VALUE)
+ * The CHARACTER forms of SINGLE, ARRAY and ELEMENT carry the hidden length of VALUE. */
+#define TARVO_PXF_STUB_ACCESSORS(X)                                                   \
+    X(pxfrealget_, SINGLE, float) X(pxfrealset_, SINGLE, float)                       \
+    X(pxfarealget_, ARRAY, float) X(pxfarealset_, ARRAY, float)                       \
+    X(pxferealget_, ELEMENT, float) X(pxferealset_, ELEMENT, float)                   \
+    X(pxfdblget_, SINGLE, double) X(pxfdblset_, SINGLE, double)                       \
+    X(pxfadblget_, ARRAY, double) X(pxfadblset_, ARRAY, double)                       \
+    X(pxfedblget_, ELEMENT, double) X(pxfedblset_, ELEMENT, double)                   \
+    X(pxflgclget_, SINGLE, int32_t) X(pxflgclset_, SINGLE, int32_t)                   \
+    X(pxfalgclget_, ARRAY, int32_t) X(pxfalgclset_, ARRAY, int32_t)                   \
+    X(pxfelgclget_, ELEMENT, int32_t) X(pxfelgclset_, ELEMENT, int32_t)               \
+    X(pxfcharget_, CHAR_SINGLE, char) X(pxfcharset_, CHAR_SINGLE, char)               \
+    X(pxfacharget_, CHAR_ARRAY, char) X(pxfacharset_, CHAR_ARRAY, char)               \
+    X(pxfecharget_, CHAR_ELEMENT, char) X(pxfecharset_, CHAR_ELEMENT, char)           \
+    X(pxfeint8get_, ELEMENT, int64_t) X(pxfeint8set_, ELEMENT, int64_t)               \
+    X(pxfastrget_, TEXT_ARRAY, char) X(pxfastrset_, TEXT_ARRAY, char)                 \
+    X(pxfestrset_, TEXT_ELEMENT, char)
+
+#define TARVO_PXF_HEAD const int32_t *jhandle, const char *compname
+#define TARVO_PXF_FORM_SINGLE(T) TARVO_PXF_HEAD, T *value, int32_t *ierror, tarvo_len_t compname_len
+#define TARVO_PXF_FORM_ARRAY(T) \
+    TARVO_PXF_HEAD, T *value, int32_t *ialen, int32_t *ierror, tarvo_len_t compname_len
+#define TARVO_PXF_FORM_ELEMENT(T) \
+    TARVO_PXF_HEAD, const int32_t *index, T *value, int32_t *ierror, tarvo_len_t compname_len
+#define TARVO_PXF_FORM_CHAR_SINGLE(T) TARVO_PXF_FORM_SINGLE(T), tarvo_len_t value_len
+#define TARVO_PXF_FORM_CHAR_ARRAY(T) TARVO_PXF_FORM_ARRAY(T), tarvo_len_t value_len
+#define TARVO_PXF_FORM_CHAR_ELEMENT(T) TARVO_PXF_FORM_ELEMENT(T), tarvo_len_t value_len
+#define TARVO_PXF_FORM_TEXT_ARRAY(T)                                                  \
+    TARVO_PXF_HEAD, T *value, int32_t *ilen, int32_t *ialen, int32_t *ierror,         \
+        tarvo_len_t compname_len, tarvo_len_t value_len
+#define TARVO_PXF_FORM_TEXT_ELEMENT(T)                                                \
+    TARVO_PXF_HEAD, const int32_t *index, T *value, int32_t *ilen, int32_t *ierror,   \
+        tarvo_len_t compname_len, tarvo_len_t value_len
+
+#define TARVO_PXF_DECLARE_STUB(name, form, T) void name(TARVO_PXF_FORM_##form(T));
+TARVO_PXF_STUB_ACCESSORS(TARVO_PXF_DECLARE_STUB)
+#undef TARVO_PXF_DECLARE_STUB
 
 #ifdef __cplusplus
 }

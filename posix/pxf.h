@@ -1,0 +1,59 @@
+// The recurring steps of the PXF routines: reading a PXF name, reporting through IERROR,
+// resolving a structure handle to an instance of the expected type, and storing a text
+// result with the ETRUNC rule.
+#pragma once
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+
+#include "posix/instances.h"
+
+namespace posix {
+
+// A constant, structure-type or field name as a Fortran caller gives it: the characters
+// before the first blank, at most the hidden length. A NUL ends it too, as it would end
+// a terminated copy. Names are compared where they stand, so no lookup ever allocates.
+struct Name {
+    const char* text;
+    std::size_t length;
+};
+Name pxf_name(const char* s, std::size_t hidden_length) noexcept;
+
+// ASCII case folding, the comparison of every PXF name.
+constexpr char fold(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+// True when the name equals the whole terminated text, ignoring case.
+bool same_name(Name name, const char* text) noexcept;
+
+// IERROR receives `code`; the variants with `errno_value` also set the thread's errno.
+inline void report(std::int32_t* ierror, std::int32_t code) noexcept { *ierror = code; }
+inline void report(std::int32_t* ierror, std::int32_t code, int errno_value) noexcept {
+    errno = errno_value;
+    *ierror = code;
+}
+
+// The instance an allocatable handle names, whatever its type, or null when the handle
+// names nothing (IERROR = ENOHANDLE, errno = EINVAL).
+void* resolve_handle(const std::int32_t* handle, std::int32_t* ierror) noexcept;
+
+// The instance of type I that JHANDLE names. Null after reporting when the handle names
+// nothing (IERROR = ENOHANDLE, errno = EINVAL) or an instance of another type (IERROR
+// and errno = EINVAL). IERROR is left alone on success.
+template <class I>
+I* resolve_instance(const std::int32_t* handle, std::int32_t* ierror) noexcept {
+    void* block = resolve_handle(handle, ierror);
+    if (block == nullptr) return nullptr;
+    if (tag_of(block) != I::kTag) {
+        report(ierror, EINVAL, EINVAL);
+        return nullptr;
+    }
+    return static_cast<I*>(block);
+}
+
+// Stores a text of `length` bytes into a Fortran CHARACTER result: ILEN = the full length;
+// when it exceeds the variable, IERROR = ETRUNC, errno = ERANGE and the variable receives
+// the first characters; otherwise the text padded with blanks and IERROR = 0.
+void store_text(const char* text, std::size_t length, char* value, std::size_t value_len,
+                std::int32_t* ilen, std::int32_t* ierror) noexcept;
+
+}  // namespace posix

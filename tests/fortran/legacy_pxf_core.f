@@ -1,0 +1,37 @@
+C     The PXF core in the classic calling style: routines declared EXTERNAL, no interfaces.
+      PROGRAM LEGACY
+      USE TARVO_CHECK
+      INTEGER IPXFCONST
+      LOGICAL PXFISCONST
+      EXTERNAL PXFCONST, IPXFCONST, PXFISCONST, PXFSTRUCTCREATE
+      EXTERNAL PXFSTRUCTFREE, PXFINTSET, PXFINTGET, PXFSTRSET, PXFSTRGET
+      INTEGER IVAL, IERR, JUTS, JTIM, ILEN
+      CHARACTER*20 NAME
+
+      CALL PXFCONST('SIGKILL', IVAL, IERR)
+      CALL CHECK_INT('PXFCONST SIGKILL', IVAL, 9)
+      CALL CHECK_INT('IPXFCONST unknown', IPXFCONST('NOSUCHNAME'), -1)
+      CALL CHECK_TRUE('PXFISCONST eexist', PXFISCONST('eexist'))
+
+      CALL PXFSTRUCTCREATE('utimbuf', JTIM, IERR)
+      CALL CHECK_INT('create utimbuf', IERR, 0)
+      CALL PXFINTSET(JTIM, 'modtime', 86400, IERR)
+      CALL PXFINTGET(JTIM, 'MODTIME', IVAL, IERR)
+      CALL CHECK_INT('modtime', IVAL, 86400)
+      CALL PXFINTGET(JTIM, 'st_size', IVAL, IERR)
+      CALL CHECK_INT('field of another type', IERR, 126)
+
+      CALL PXFSTRUCTCREATE('UTSNAME', JUTS, IERR)
+      CALL PXFSTRSET(JUTS, 'machine', 'pdp11     ', 0, IERR)
+      CALL PXFSTRGET(JUTS, 'machine', NAME, ILEN, IERR)
+      CALL CHECK_STR('machine', NAME, 'pdp11')
+      CALL CHECK_INT('machine length', ILEN, 5)
+
+      CALL PXFSTRUCTFREE(JUTS, IERR)
+      CALL PXFSTRUCTFREE(JTIM, IERR)
+      CALL CHECK_INT('free', IERR, 0)
+      CALL CHECK_INT('handle after free', JTIM, 0)
+      CALL PXFSTRUCTFREE(JTIM, IERR)
+      CALL CHECK_INT('free twice', IERR, 127)
+      CALL CHECKS_DONE('legacy_pxf_core')
+      END
