@@ -38,8 +38,12 @@ target_compile_options(tarvoport_objects PRIVATE
   ${TARVO_WARNINGS}
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>
   -fvisibility=hidden -fvisibility-inlines-hidden -fno-semantic-interposition)
+# 64-bit addresses do not fit a 4-byte handle: the 64-bit build maps handles through tables,
+# the 32-bit build uses the address itself.
 if(TARVO_ARCH STREQUAL "x86_64")
   target_compile_definitions(tarvoport_objects PUBLIC TARVO_HANDLE_TABLES=1)
+else()
+  target_compile_definitions(tarvoport_objects PUBLIC TARVO_HANDLE_TABLES=0)
 endif()
 
 add_library(tarvoport SHARED $<TARGET_OBJECTS:tarvoport_objects>)

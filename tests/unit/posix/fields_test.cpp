@@ -128,7 +128,7 @@ TEST(FieldNames, OnlyTheInstancesOwnFieldsOfTheAccessorsKind) {
 
 TEST(FieldNames, HandlesThatNameNothing) {
     std::vector<std::int32_t> bad = {0};
-#ifdef TARVO_HANDLE_TABLES
+#if TARVO_HANDLE_TABLES
     bad.insert(bad.end(), {1, 256, 0x7F01});
 #endif
     for (std::int32_t h : bad) {
@@ -329,7 +329,7 @@ TEST(SubHandles, SameProcedureSameHandleAndCallsThrough) {
     pxfgetsubhandle_(reinterpret_cast<void (*)()>(&twice), &h3, &ierror);
     EXPECT_EQ(h1, h3);
     EXPECT_NE(h1, h2);
-#ifdef TARVO_HANDLE_TABLES
+#if TARVO_HANDLE_TABLES
     EXPECT_EQ(h1, 16);  // the first static handle
 #endif
     std::int32_t ival = 20;
@@ -337,7 +337,7 @@ TEST(SubHandles, SameProcedureSameHandleAndCallsThrough) {
     EXPECT_EQ(ierror, 0);
     EXPECT_EQ(ival, 40);
     std::vector<std::int32_t> bad = {0};
-#ifdef TARVO_HANDLE_TABLES
+#if TARVO_HANDLE_TABLES
     bad.insert(bad.end(), {1, 15, 99, 256});  // reserved, reserved, never given, no slot
 #endif
     for (std::int32_t h : bad) {

@@ -17,7 +17,7 @@ TEST(Instances, EveryTypeByNameInAnyCase) {
     for (std::int32_t tag = 1; tag <= 11; ++tag) {
         std::int32_t& handle = handles[tag - 1];
         ASSERT_EQ(create(names[tag - 1], handle), 0) << names[tag - 1];
-#ifdef TARVO_HANDLE_TABLES
+#if TARVO_HANDLE_TABLES
         EXPECT_EQ(handle, tag);  // the first instances get 1, 2, 3 ...
 #endif
         const auto* block = static_cast<const unsigned char*>(instance_of(handle));
@@ -52,7 +52,7 @@ TEST(Instances, NoMemoryGivesEnohandle) {
     EXPECT_EQ(handle, 42);
 }
 
-#ifdef TARVO_HANDLE_TABLES
+#if TARVO_HANDLE_TABLES
 TEST(Instances, HandlesAreReusedLowestFirstAndThe256thIs257) {
     std::vector<std::int32_t> handles(300);
     for (auto& h : handles) ASSERT_EQ(create("flock", h), 0);
@@ -87,7 +87,7 @@ TEST(Instances, FreeingWhatIsNoInstance) {
     errno = 0;
     EXPECT_EQ(free_instance(same), TARVO_ENOHANDLE);  // the first call set it to 0
     EXPECT_EQ(errno, EINVAL);
-#ifdef TARVO_HANDLE_TABLES
+#if TARVO_HANDLE_TABLES
     for (std::int32_t bad : {handle, 256, 77, 0x7F01}) {  // freed, no slot, never issued, no block
         errno = 0;
         EXPECT_EQ(free_instance(bad), TARVO_ENOHANDLE) << bad;
