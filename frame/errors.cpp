@@ -63,6 +63,11 @@ std::int32_t fail(std::int32_t code) noexcept {
     frame::set_portlib_local_errno(code);
     return code;
 }
+
+std::int32_t fail_errno(std::int32_t code) noexcept {
+    errno = code;
+    return fail(code);
+}
 }  // namespace portlib
 
 // INTEGER FUNCTION IERRNO()

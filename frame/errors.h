@@ -17,4 +17,7 @@ namespace portlib {
 // keep it in the library's cell, and return it as the routine's result.
 std::int32_t fail(std::int32_t code) noexcept;
 
+// The same for failures the routine detects itself: errno is set to the code first.
+std::int32_t fail_errno(std::int32_t code) noexcept;
+
 }  // namespace portlib

@@ -1,0 +1,186 @@
+// Process, environment and host: shell commands, environment variables, login and host
+// names, identities, signals, sleeping and ending the program.
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <pwd.h>
+#include <unistd.h>
+
+#include "frame/api.h"
+#include "frame/memory.h"
+#include "frame/strings.h"
+#include "runtime/errsns.h"
+#include "runtime/process.h"
+#include "runtime/units.h"
+#include <tarvo/portlib.h>
+
+extern char** environ;
+
+namespace {
+
+using frame::flen;
+
+flen usable_length(const char* s, std::size_t hidden) noexcept {
+    return s != nullptr ? std::max<flen>(frame::signed_length(hidden), 0) : 0;
+}
+
+// Copies n bytes of text into a Fortran string, cut to its length and blank padded. These
+// routines report nothing when the text is cut (HOSTNM compares the lengths itself).
+void copy_cut(char* dst, std::size_t dst_len, const char* src, std::size_t n) noexcept {
+    const flen length = usable_length(dst, dst_len);
+    const auto copied = static_cast<flen>(std::min(n, static_cast<std::size_t>(length)));
+    if (copied > 0) std::memcpy(dst, src, static_cast<std::size_t>(copied));
+    frame::blank_fill(dst + copied, length - copied);
+}
+
+void copy_cut(char* dst, std::size_t dst_len, const char* src) noexcept {
+    copy_cut(dst, dst_len, src, src != nullptr ? std::strlen(src) : 0);
+}
+
+// The state of SCANENV: the pattern of the scan in progress (one byte more than the
+// longest pattern, for its terminator) and the index at which the next call continues.
+constexpr flen kPatternMax = 8192;
+char env_template_name[kPatternMax + 1];
+std::int32_t startpos = 0;
+
+bool begins_with(const char* entry, const char* pattern, flen n) noexcept {
+    for (flen i = 0; i < n; ++i)
+        if (entry[i] == '\0' || entry[i] != pattern[i]) return false;
+    return true;
+}
+
+// True when entry startpos - 1 still exists and still begins with the pattern, i.e. the
+// environment has not changed under the scan. Never walks past the end of the list.
+bool scan_position_holds(char** env, const char* pattern, flen n) noexcept {
+    for (std::int32_t i = 0; i < startpos - 1; ++i)
+        if (env[i] == nullptr) return false;
+    return env[startpos - 1] != nullptr && begins_with(env[startpos - 1], pattern, n);
+}
+
+}  // namespace
+
+// INTEGER FUNCTION SYSTEM(COMMAND) -- the wait status system() returns
+extern "C" TARVO_API std::int32_t system_(const char* command, std::size_t command_len) noexcept {
+    frame::CString text(command, command_len);
+    if (!text) return -1;
+    // The command's output must follow what the program has already written.
+    runtime::flush_all_units();
+    return ::system(text.c_str());
+}
+
+// SUBROUTINE GETENV(NAME, VALUE) -- the name ends at its first blank; unset gives blanks
+extern "C" TARVO_API void getenv_(const char* name, char* value, std::size_t name_len,
+                                  std::size_t value_len) noexcept {
+    const flen length = usable_length(name, name_len);
+    frame::HeapBlock<char> key(static_cast<std::size_t>(length) + 1);
+    const char* text = nullptr;
+    if (key) {
+        flen n = 0;
+        for (; n < length && name[n] != ' '; ++n) key.get()[n] = name[n];
+        key.get()[n] = '\0';
+        text = std::getenv(key.get());
+    }
+    copy_cut(value, value_len, text);
+}
+
+// SUBROUTINE SCANENV(PATTERN, NAME, VALUE) -- the next variable whose name begins with
+// PATTERN, in environment order; blanks after the last one
+extern "C" TARVO_API void scanenv_(const char* pattern, char* name, char* value, std::size_t pattern_len,
+                                   std::size_t name_len, std::size_t value_len) noexcept {
+    flen end = usable_length(pattern, pattern_len);
+    while (end > 0 && (pattern[end - 1] == ' ' || pattern[end - 1] == '\0')) --end;
+    flen start = 0;
+    while (start < end && pattern[start] == ' ') ++start;
+    const char* p = pattern + start;
+    const flen n = std::min(end - start, kPatternMax);
+    char** env = environ;
+    if (n > 0) {
+        if (std::memcmp(env_template_name, p, static_cast<std::size_t>(n)) != 0) {
+            startpos = 0;
+            std::memcpy(env_template_name, p, static_cast<std::size_t>(n));
+            env_template_name[n] = '\0';
+        }
+        if (env == nullptr || (startpos != 0 && !scan_position_holds(env, p, n))) startpos = 0;
+        for (std::int32_t i = startpos; env != nullptr && env[i] != nullptr; ++i) {
+            const char* entry = env[i];
+            const char* equals = std::strchr(entry, '=');
+            const auto k = static_cast<flen>(equals != nullptr ? equals - entry : std::strlen(entry));
+            if (k < n || std::memcmp(entry, p, static_cast<std::size_t>(n)) != 0) continue;
+            startpos = i + 1;
+            copy_cut(name, name_len, entry, static_cast<std::size_t>(k));
+            copy_cut(value, value_len, equals != nullptr ? equals + 1 : "");
+            return;
+        }
+    }
+    // No pattern, or the end of the environment: the position stays where it was.
+    copy_cut(name, name_len, nullptr);
+    copy_cut(value, value_len, nullptr);
+}
+
+// SUBROUTINE GETLOG(NAME) -- login name of the real user; blanks if unknown
+extern "C" TARVO_API void getlog_(char* name, std::size_t name_len) noexcept {
+    const passwd* entry = getpwuid(getuid());
+    copy_cut(name, name_len, entry != nullptr ? entry->pw_name : nullptr);
+}
+
+// INTEGER FUNCTION HOSTNM(NAME) -- 0, -1 when the name was cut, or an error number
+extern "C" TARVO_API std::int32_t hostnm_(char* name, std::size_t name_len) noexcept {
+    char host[256] = {};
+    if (gethostname(host, 255) != 0) {
+        const int error = errno;
+        copy_cut(name, name_len, nullptr);
+        runtime::for_errsns_load(0, error, 0, 0, 0);
+        return error;
+    }
+    const std::size_t n = std::strlen(host);
+    copy_cut(name, name_len, host, n);
+    return static_cast<flen>(n) > usable_length(name, name_len) ? -1 : 0;
+}
+
+// INTEGER FUNCTION HOSTNAM(NAME) -- the same routine under its second name
+extern "C" TARVO_API std::int32_t hostnam_(char* name, std::size_t name_len) noexcept
+    __attribute__((alias("hostnm_")));
+
+// INTEGER FUNCTION GETPID()
+extern "C" TARVO_API std::int32_t getpid_() noexcept { return ::getpid(); }
+
+// INTEGER FUNCTION GETUID()
+extern "C" TARVO_API std::int32_t getuid_() noexcept { return static_cast<std::int32_t>(::getuid()); }
+
+// INTEGER FUNCTION GETGID()
+extern "C" TARVO_API std::int32_t getgid_() noexcept { return static_cast<std::int32_t>(::getgid()); }
+
+// INTEGER FUNCTION KILL(PID, SIGNUM) -- 0, or -1 with errno set
+extern "C" TARVO_API std::int32_t kill_(const std::int32_t* pid, const std::int32_t* signum) noexcept {
+    if (pid == nullptr || signum == nullptr) {
+        errno = EINVAL;
+        return -1;
+    }
+    return ::kill(*pid, *signum);
+}
+
+// SUBROUTINE SLEEP(SECONDS) -- an absent or negative count returns at once
+extern "C" TARVO_API void sleep_(const std::int32_t* seconds) noexcept {
+    if (seconds != nullptr && *seconds >= 0) ::sleep(static_cast<unsigned>(*seconds));
+}
+
+// SUBROUTINE ABORT([MESSAGE]) -- "abort: " and at most 240 characters of MESSAGE
+extern "C" TARVO_API void abort_(const char* message, std::size_t message_len) noexcept {
+    constexpr char kPrefix[] = "abort: ";
+    constexpr char kDefault[] = "abort: Fortran Abort Called";
+    char text[256];
+    std::size_t n = sizeof kDefault - 1;
+    std::memcpy(text, kDefault, n);
+    // An absent message arrives as a null address; its length is then not to be trusted.
+    if (message != nullptr) {
+        const auto kept = static_cast<std::size_t>(std::min<flen>(usable_length(message, message_len), 240));
+        std::memcpy(text + sizeof kPrefix - 1, message, kept);
+        n = sizeof kPrefix - 1 + kept;
+    }
+    runtime::for_abort(text, n);
+}
+
+// SUBROUTINE EXIT([STATUS]) -- flushes the Fortran units and ends the program
+extern "C" TARVO_API void exit_(const std::int32_t* status) noexcept { runtime::for_exit(status); }
