@@ -9,6 +9,9 @@ program tour
   call show_files()
   call show_terminal()
   call show_posix()
+  call show_time()
+  call show_host()
+  call show_environment()
 
 contains
 
@@ -27,6 +30,13 @@ contains
     character(len=12) :: s
     write (s, '(i0)') i
   end function str
+
+  function real_str(x) result(s)
+    real(8), intent(in) :: x
+    character(len=16) :: s
+    write (s, '(f16.3)') x
+    s = adjustl(s)
+  end function real_str
 
   subroutine show_library()
     character(len=200) :: text
@@ -106,5 +116,51 @@ contains
     call item('pw_shell', trim(name) // ' (' // trim(str(ilen)) // ' characters)')
     call pxfstructfree(jstat, ierror)
   end subroutine show_posix
+
+  subroutine show_time()
+    integer(4) :: now, local(9), utc(9)
+    real(4) :: cpu(2), total
+    call heading('Time and date')
+    call item('fdate', fdate())
+    call item('date, date4, jdate4', date() // '  ' // date4() // '  ' // jdate4())
+    call item('clock', clock())
+    now = int(time(), 4)
+    call ltime(now, local)
+    call gmtime(now, utc)
+    call item('day of the year', 'ltime ' // trim(str(local(8))) // ', gmtime ' // &
+              trim(str(utc(8))) // ' (counted from 1 and from 0)')
+    call item('since midnight (secnds)', trim(real_str(real(secnds(0.0), 8))) // ' s')
+    call item('running for (dclock)', trim(real_str(dclock())) // ' s')
+    total = etime(cpu)
+    call item('processor time (etime)', trim(real_str(real(total, 8))) // ' s')
+  end subroutine show_time
+
+  subroutine show_host()
+    character(len=64) :: host, login
+    integer :: rc
+    call heading('Host and process')
+    rc = hostnm(host)
+    call item('host name', trim(host))
+    call getlog(login)
+    call item('login name', trim(login))
+    call item('process, user, group', trim(str(getpid())) // ', ' // trim(str(getuid())) // &
+              ', ' // trim(str(getgid())))
+    call item('system("exit 3")', 'wait status ' // trim(str(system('exit 3'))))
+  end subroutine show_host
+
+  subroutine show_environment()
+    character(len=256) :: name, value
+    integer :: n
+    call heading('Environment')
+    call getenv('HOME and the rest is ignored', value)
+    call item('getenv HOME', trim(value))
+    do n = 1, 5
+      call scanenv('LANG', name, value)
+      if (name == ' ') exit
+      call item('scanenv LANG: ' // trim(name), trim(value))
+    end do
+    call scanenv('PATH', name, value)
+    call item('scanenv PATH: ' // trim(name), value(1:40) // '...')
+  end subroutine show_environment
 
 end program tour

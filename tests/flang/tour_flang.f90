@@ -4,7 +4,7 @@ program tour_flang
   use tarvo
   implicit none
   character(len=64) :: text
-  integer :: failures
+  integer :: failures, sb(13), ta(9)
   failures = 0
   if (for_lodrik_version(text) /= 3) failures = failures + 1
   if (text(1:33) /= 'Tarvo Fortran portability library') failures = failures + 1
@@ -16,6 +16,11 @@ program tour_flang
   if (.not. commitqq(6)) failures = failures + 1
   if (commitqq(77)) failures = failures + 1
   if (lnblnk('ab  ') /= 2) failures = failures + 1
+  sb(13) = 77
+  if (stat('.', sb) /= 0 .or. sb(13) /= 77) failures = failures + 1
+  call gmtime(0, ta)
+  if (ta(6) /= 70 .or. ta(8) /= 0) failures = failures + 1
+  if (fputc(77, 'x') /= 22 .or. ierrno() /= 22) failures = failures + 1
   if (failures /= 0) then
     print '(a,i0,a)', 'tour_flang: ', failures, ' check(s) failed'
     error stop 1
