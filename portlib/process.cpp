@@ -103,13 +103,15 @@ extern "C" TARVO_API void scanenv_(const char* pattern, char* name, char* value,
             env_template_name[n] = '\0';
         }
         if (env == nullptr || (startpos != 0 && !scan_position_holds(env, p, n))) startpos = 0;
-        for (std::int32_t i = startpos; env != nullptr && env[i] != nullptr; ++i) {
+        // A name never holds "=", so a pattern with one matches nothing.
+        const bool can_match = std::memchr(p, '=', static_cast<std::size_t>(n)) == nullptr;
+        for (std::int32_t i = startpos; can_match && env != nullptr && env[i] != nullptr; ++i) {
             const char* entry = env[i];
-            const char* equals = std::strchr(entry, '=');
-            const auto k = static_cast<flen>(equals != nullptr ? equals - entry : std::strlen(entry));
-            if (k < n || std::memcmp(entry, p, static_cast<std::size_t>(n)) != 0) continue;
+            if (!begins_with(entry, p, n)) continue;
+            const char* equals = std::strchr(entry + n, '=');
+            const auto k = static_cast<std::size_t>(equals != nullptr ? equals - entry : std::strlen(entry));
             startpos = i + 1;
-            copy_cut(name, name_len, entry, static_cast<std::size_t>(k));
+            copy_cut(name, name_len, entry, k);
             copy_cut(value, value_len, equals != nullptr ? equals + 1 : "");
             return;
         }
