@@ -76,8 +76,10 @@ int32_t getuid_(void);
 int32_t getgid_(void);
 int32_t kill_(const int32_t *pid, const int32_t *signum);
 void sleep_(const int32_t *seconds);       /* null or negative: returns at once */
-void abort_(const char *message, tarvo_len_t message_len);  /* MESSAGE optional (null) */
-void exit_(const int32_t *status);         /* STATUS optional (null: 0) */
+/* MESSAGE optional (null); ends the process with SIGABRT */
+__attribute__((__noreturn__)) void abort_(const char *message, tarvo_len_t message_len);
+/* STATUS optional (null: 0); flushes the Fortran units and ends the process */
+__attribute__((__noreturn__)) void exit_(const int32_t *status);
 
 /* Unit character I/O */
 int32_t fgetc_(const int32_t *unit, char *ch, tarvo_len_t ch_len);
