@@ -45,7 +45,15 @@ int write_char(std::int64_t unit, unsigned char ch) {
     return rt->fputc(&u, &c, 1) == 0 ? 0 : negated_errno_or(EIO);
 }
 
+// gfortran keeps its own position for units on pipes and terminals and would report a seek
+// there as done; the descriptor tells the truth, as it does in the native back end.
+int unseekable(std::int64_t unit) {
+    const int fd = descriptor(unit);
+    return fd >= 0 && lseek(fd, 0, SEEK_CUR) < 0 ? -errno : 0;
+}
+
 int seek(std::int64_t unit, std::int64_t offset, int origin) {
+    if (const int error = unseekable(unit)) return error;
     auto u = static_cast<std::int32_t>(unit);
     std::int32_t whence = origin;
     std::int32_t status = 0;
@@ -55,6 +63,7 @@ int seek(std::int64_t unit, std::int64_t offset, int origin) {
 }
 
 std::int64_t position(std::int64_t unit) {
+    if (const int error = unseekable(unit)) return error;
     auto u = static_cast<std::int32_t>(unit);
     errno = 0;
     const std::int64_t at = rt->ftell(&u);

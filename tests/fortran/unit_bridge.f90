@@ -73,6 +73,8 @@ program unit_bridge
   read (22, '(a)', iostat=ios) line
   call check_int('READ from the pipe', ios, 0)
   call check_str('pipe text', line, 'piped')
+  call check_int('seek on a pipe', fseek_unit(22, 0_8, 0), -29)
+  call check_int8('position on a pipe', curpos(22), -29_8)
   close (22)
 
   ! Attaching checks its arguments.
