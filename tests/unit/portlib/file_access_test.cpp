@@ -7,10 +7,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <string>
 
-#include "frame/errors.h"
 #include "frame/memory.h"
 #include "runtime/errsns.h"
 #include "runtime/units.h"
@@ -42,56 +40,41 @@ int as_nobody(const std::function<int()>& fn) {
 
 class FileAccess : public tarvo_test::ScratchDirTest {};
 
-TEST_F(FileAccess, GrantedAccessGivesZero) {
-    write_file("f", "x", 0755);
-    EXPECT_EQ(call_access("f", "r"), 0);
-    EXPECT_EQ(call_access("f  ", "rwx "), 0);  // trailing blanks in both
-    EXPECT_EQ(call_access("f", "R"), 0);
-    EXPECT_EQ(call_access("f", "   "), 0);  // blanks only: existence
-}
-
-TEST_F(FileAccess, ModeCharactersAreCheckedBeforeTheFile) {
-    frame::set_portlib_local_errno(0);
-    EXPECT_EQ(call_access("missing", "rq"), EINVAL);
-    EXPECT_EQ(errno, EINVAL);
-    EXPECT_EQ(ierrno_(), EINVAL);
-    EXPECT_EQ(call_access("missing", "r\t"), EINVAL);
-}
-
-TEST_F(FileAccess, EmptyArgumentsGiveEinval) {
+TEST_F(FileAccess, AccessResultsAndTheirCoarseMapping) {
+    write_file("f", "x", 0644);
+    write_file("run", "x", 0755);
+    ASSERT_EQ(symlink("loop", path("loop").c_str()), 0);
+    struct Case { std::string name, mode; std::int32_t want; };
+    const Case cases[] = {
+        {"f", "r", 0}, {"f  ", "rw ", 0}, {"run", "rwx", 0}, {"f", "R", 0}, {"f", "   ", 0},
+        {"missing", "rq", EINVAL},  // the mode is checked before the file
+        {"f", "r\t", EINVAL},       {"missing", "r", EINVAL},  // ENOENT
+        {"f/x", "r", EINVAL},       {std::string(5000, 'n'), "r", EINVAL},  // ENOTDIR, ENAMETOOLONG
+        {"loop", "r", EINVAL},      {"f", "x", EACCES},  // ELOOP; root needs an execute bit
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(call_access(c.name, c.mode), c.want) << c.name.substr(0, 9) << " '" << c.mode << "'";
+        if (c.want != 0) EXPECT_EQ(ierrno_(), c.want);
+    }
+    EXPECT_EQ(runtime::last_recorded_error(), EACCES);
     EXPECT_EQ(access_("f", "r", 0, 1), EINVAL);
     EXPECT_EQ(access_("f", "r", 1, 0), EINVAL);
     EXPECT_EQ(access_("f", "r", static_cast<std::size_t>(-3), 1), EINVAL);
     EXPECT_EQ(access_("f", nullptr, 1, 1), EINVAL);
 }
 
-TEST_F(FileAccess, FailuresAreMappedCoarsely) {
-    write_file("plain", "x", 0644);
-    EXPECT_EQ(call_access("missing", "r"), EINVAL);  // ENOENT
-    EXPECT_EQ(ierrno_(), EINVAL);
-    EXPECT_EQ(runtime::last_recorded_error(), EINVAL);
-    EXPECT_EQ(call_access("plain/x", "r"), EINVAL);  // ENOTDIR
-    EXPECT_EQ(call_access(std::string(5000, 'n'), "r"), EINVAL);  // ENAMETOOLONG
-    ASSERT_EQ(symlink("loop", path("loop").c_str()), 0);
-    EXPECT_EQ(call_access("loop", "r"), EINVAL);  // ELOOP
-    EXPECT_EQ(call_access("plain", "x"), EACCES);  // root still needs an execute bit
-}
-
-TEST_F(FileAccess, PermissionDeniedGivesEacces) {
+TEST_F(FileAccess, PermissionDeniedAndNoMemory) {
     write_file("secret", "x", 0600);
     const std::string name = path("secret");
     EXPECT_EQ(as_nobody([&] { return call_access(name, "r") == EACCES && ierrno_() == EACCES ? 0 : 1; }), 0);
-}
-
-TEST_F(FileAccess, NameConversionFailureGivesEnomem) {
+    EXPECT_EQ(as_nobody([&] { return call_chmod(name, "777") == EPERM ? 0 : 1; }), 0);
     frame::testing::fail_allocations_after(0);
-    const std::int32_t rc = call_access("f", "r");
+    const std::int32_t rc = call_access("secret", "r");
     frame::testing::allow_allocations();
     EXPECT_EQ(rc, ENOMEM);
-    EXPECT_EQ(ierrno_(), ENOMEM);
 }
 
-TEST_F(FileAccess, ChdirAndGetcwd) {
+TEST_F(FileAccess, DirectoriesAndNames) {
     ASSERT_EQ(mkdir(path("sub").c_str(), 0755), 0);
     EXPECT_EQ(chdir_("sub   ", 6), 0);
     FString cwd(4096, 'x');
@@ -99,17 +82,32 @@ TEST_F(FileAccess, ChdirAndGetcwd) {
     EXPECT_EQ(cwd.trimmed(), path("sub"));
     EXPECT_EQ(chdir_("nope", 4), ENOENT);
     EXPECT_EQ(ierrno_(), ENOENT);
+    EXPECT_EQ(chdir_("..", 2), 0);
+
+    write_file("a", "content");
+    EXPECT_EQ(rename_("a ", "b  ", 2, 3), 0);
+    EXPECT_EQ(read_file("b"), "content");
+    EXPECT_EQ(rename_("a", "c", 1, 1), ENOENT);
+    EXPECT_EQ(unlink_("b", 1), 0);
+    EXPECT_EQ(unlink_("b", 1), ENOENT);
+    EXPECT_EQ(unlink_("sub", 3), EISDIR);
+    EXPECT_EQ(ierrno_(), EISDIR);
+    EXPECT_EQ(chdir_(".", 1), 0);
+    EXPECT_EQ(ierrno_(), EISDIR);  // successes leave the last failure in place
+
+    // Null names are refused, never followed.
+    EXPECT_NE(chdir_(nullptr, 4), 0);
+    EXPECT_NE(unlink_(nullptr, 4), 0);
+    EXPECT_EQ(rename_(nullptr, "b", 1, 1), EINVAL);
+    EXPECT_EQ(rename_("a", nullptr, 1, 1), EINVAL);
+    EXPECT_EQ(chmod_(nullptr, "755", 1, 3), EINVAL);
 }
 
-TEST_F(FileAccess, GetcwdTooShortGivesErangeAndBlanks) {
-    FString cwd(3, 'x');
-    EXPECT_EQ(getcwd_(cwd.data(), cwd.size()), ERANGE);
-    EXPECT_EQ(cwd.text, "   ");
-    EXPECT_EQ(ierrno_(), ERANGE);
+TEST_F(FileAccess, GetcwdLengths) {
+    FString tiny(3, 'x');
+    EXPECT_EQ(getcwd_(tiny.data(), tiny.size()), ERANGE);
+    EXPECT_EQ(tiny.text, "   ");
     EXPECT_EQ(runtime::last_recorded_error(), ERANGE);
-}
-
-TEST_F(FileAccess, GetcwdExactFitAndEmptyArgument) {
     FString exact(dir().size(), 'x');
     EXPECT_EQ(getcwd_(exact.data(), exact.size()), 0);
     EXPECT_EQ(exact.text, dir());
@@ -119,112 +117,51 @@ TEST_F(FileAccess, GetcwdExactFitAndEmptyArgument) {
     EXPECT_EQ(runtime::last_recorded_error(), 0);  // this case skips the run-time recorder
 }
 
-TEST_F(FileAccess, RenameAndUnlink) {
-    write_file("a", "content");
-    EXPECT_EQ(rename_("a ", "b  ", 2, 3), 0);
-    EXPECT_EQ(read_file("b"), "content");
-    EXPECT_EQ(rename_("a", "c", 1, 1), ENOENT);
-    EXPECT_EQ(unlink_("b", 1), 0);
-    EXPECT_EQ(unlink_("b", 1), ENOENT);
-    EXPECT_EQ(ierrno_(), ENOENT);
-    ASSERT_EQ(mkdir(path("d").c_str(), 0755), 0);
-    EXPECT_EQ(unlink_("d", 1), EISDIR);
-}
-
-TEST_F(FileAccess, NullNamesAreRefusedWithoutACrash) {
-    EXPECT_NE(chdir_(nullptr, 4), 0);
-    EXPECT_NE(unlink_(nullptr, 4), 0);
-    EXPECT_EQ(rename_(nullptr, "b", 1, 1), EINVAL);
-    EXPECT_EQ(rename_("a", nullptr, 1, 1), EINVAL);
-    EXPECT_EQ(chmod_(nullptr, "755", 1, 3), EINVAL);
-}
-
-class Chmod : public tarvo_test::ScratchDirTest {
-protected:
-    void SetUp() override {
-        ScratchDirTest::SetUp();
-        write_file("f", "x", 0644);
+TEST_F(FileAccess, ChmodModes) {
+    write_file("f", "x", 0644);
+    struct Case { mode_t start; const char* mode; std::int32_t rc; mode_t after; };
+    const Case cases[] = {
+        {0600, "755", 0, 0755},     {0600, "4711   ", 0, 04711},
+        {04644, "u+x", 0, 04744},   {0666, "go-w", 0, 0644},    {0777, "=r", 0, 0444},
+        {0777, "a=", 0, 0},         {0600, "+x", 0, 0711},      {0600, "ug+rw", 0, 0660},
+        {0644, "o+tX", 0, 0644},    {0755, "+s", 0, 0755},      // set-ID bits need a who letter
+        {0755, "u+s", 0, 06755},    {06755, "g-s", 0, 0755},    // "s" reaches both set-ID bits
+    };
+    for (const Case& c : cases) {
+        ASSERT_EQ(::chmod(path("f").c_str(), c.start), 0);
+        EXPECT_EQ(call_chmod("f", c.mode), c.rc) << c.mode;
+        EXPECT_EQ(mode_of("f"), c.after) << c.mode;
     }
-    mode_t set_then_apply(mode_t start, const std::string& mode, std::int32_t want = 0) {
-        EXPECT_EQ(::chmod(path("f").c_str(), start), 0);
-        EXPECT_EQ(call_chmod("f", mode), want) << mode;
-        return mode_of("f");
-    }
-};
-
-TEST_F(Chmod, OctalModes) {
-    EXPECT_EQ(set_then_apply(0600, "755"), 0755u);
-    EXPECT_EQ(set_then_apply(0600, "4711   "), 04711u);
-}
-
-TEST_F(Chmod, InvalidOctalModesAreRefused) {
-    for (const char* bad : {"0", "75a", "9", "00"}) {
-        EXPECT_EQ(set_then_apply(0640, bad, EINVAL), 0640u) << bad;
+    for (const char* bad : {"0", "75a", "9", "00", "u", "u+z", "u,g+x", "u+u", "+v", "x+r", "u +x", ""}) {
+        ASSERT_EQ(::chmod(path("f").c_str(), 0640), 0);
+        EXPECT_EQ(call_chmod("f", bad), EINVAL) << bad;
+        EXPECT_EQ(mode_of("f"), 0640u) << bad;
         EXPECT_EQ(ierrno_(), EINVAL);
     }
-}
-
-TEST_F(Chmod, SymbolicAddRemoveAndSet) {
-    EXPECT_EQ(set_then_apply(04644, "u+x"), 04744u);  // keeps every other bit
-    EXPECT_EQ(set_then_apply(0666, "go-w"), 0644u);
-    EXPECT_EQ(set_then_apply(0777, "=r"), 0444u);
-    EXPECT_EQ(set_then_apply(0777, "a="), 0u);
-    EXPECT_EQ(set_then_apply(0600, "+x"), 0711u);
-    EXPECT_EQ(set_then_apply(0600, "ug+rw"), 0660u);
-    EXPECT_EQ(set_then_apply(0644, "o+tX"), 0644u);
-}
-
-TEST_F(Chmod, SetIdBitsNeedAWhoLetter) {
-    EXPECT_EQ(set_then_apply(0755, "+s"), 0755u);
-    EXPECT_EQ(set_then_apply(0755, "u+s"), 06755u);  // sets both set-ID bits
-    EXPECT_EQ(set_then_apply(06755, "g-s"), 0755u);  // "s" reaches both set-ID bits
-}
-
-TEST_F(Chmod, MalformedSymbolicModesAreRefused) {
-    for (const char* bad : {"u", "u+z", "u,g+x", "u+u", "+v", "x+r", "u +x", ""}) {
-        EXPECT_EQ(set_then_apply(0640, bad, EINVAL), 0640u) << bad;
-    }
-}
-
-TEST_F(Chmod, MissingFileGivesItsError) {
     EXPECT_EQ(call_chmod("missing", "755"), ENOENT);
     EXPECT_EQ(call_chmod("missing", "u+x"), ENOENT);
-    EXPECT_EQ(ierrno_(), ENOENT);
-}
-
-TEST_F(Chmod, OthersFilesCannotBeChanged) {
-    const std::string name = path("f");
-    EXPECT_EQ(as_nobody([&] { return call_chmod(name, "777") == EPERM ? 0 : 1; }), 0);
 }
 
 class Terminals : public tarvo_test::ScratchDirTest {};
 
-TEST_F(Terminals, UnitOnAFileIsNoTerminal) {
+TEST_F(Terminals, FileUnitsAndUnconnectedUnits) {
     write_file("f", "");
     const int fd = open(path("f").c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_EQ(runtime::for_fdopen(fd, 12, "r", 1), 0);
-    std::int32_t unit = 12;
-    const std::int32_t before = ierrno_();
-    EXPECT_EQ(isatty_(&unit), 0);
-    FString name(16, 'x');
-    ttynam_(name.data(), name.size(), &unit);
-    EXPECT_EQ(name.text, std::string(16, ' '));
-    EXPECT_EQ(errno, ENOTTY);
-    EXPECT_EQ(runtime::last_recorded_error(), ENOTTY);
-    EXPECT_EQ(ierrno_(), before);  // terminal queries leave the classic cell alone
-    close(fd);
-}
-
-TEST_F(Terminals, UnconnectedUnitGivesEbadf) {
-    std::int32_t unit = 77;
-    EXPECT_EQ(isatty_(&unit), 0);
-    EXPECT_EQ(errno, EBADF);
-    EXPECT_EQ(runtime::last_recorded_error(), EBADF);
-    FString name(8, 'x');
-    ttynam_(name.data(), name.size(), &unit);
-    EXPECT_EQ(name.text, std::string(8, ' '));
-    EXPECT_EQ(errno, EBADF);
+    std::int32_t file_unit = 12, missing = 77;
+    struct Case { std::int32_t* unit; int error; };
+    for (const Case& c : {Case{&file_unit, ENOTTY}, Case{&missing, EBADF}}) {
+        const std::int32_t before = ierrno_();
+        EXPECT_EQ(isatty_(c.unit), 0);
+        FString name(16, 'x');
+        ttynam_(name.data(), name.size(), c.unit);
+        EXPECT_EQ(name.text, std::string(16, ' '));
+        EXPECT_EQ(errno, c.error);
+        EXPECT_EQ(runtime::last_recorded_error(), c.error);
+        EXPECT_EQ(ierrno_(), before);  // terminal queries leave the classic cell alone
+    }
     EXPECT_EQ(isatty_(nullptr), 0);
+    close(fd);
 }
 
 TEST_F(Terminals, PseudoTerminalIsNamed) {
