@@ -50,6 +50,47 @@ enum {
 /* Preconnected Fortran units. */
 enum { TARVO_STDIN_UNIT = 5, TARVO_STDOUT_UNIT = 6, TARVO_STDERR_UNIT = 0 };
 
+/* File-information records of GETFILEINFOQQ and GETFILEINFOQQI8, packed as the Fortran
+   caller lays them out (no padding). Times are seconds since the epoch, low 32 bits. */
+typedef struct __attribute__((packed)) tarvo_file_info {
+    int32_t creation;   /* never written */
+    int32_t lastwrite;
+    int32_t lastaccess;
+    int32_t length;     /* size in bytes, low 32 bits */
+    int32_t permit;     /* TARVO_FILE_DIR, TARVO_FILE_DEVICE or 0 */
+    char name[255];     /* blank padded */
+} tarvo_file_info;
+
+typedef struct __attribute__((packed)) tarvo_file_info_i8 {
+    int32_t creation;   /* status-change time */
+    int32_t lastwrite;
+    int32_t lastaccess;
+    int64_t length;     /* size in bytes */
+    int32_t permit;     /* TARVO_FILE_DIR, TARVO_FILE_DEVICE, TARVO_FILE_READONLY or 0 */
+    char name[255];
+} tarvo_file_info_i8;
+
+#ifdef __cplusplus
+#define TARVO_STATIC_ASSERT static_assert
+#else
+#define TARVO_STATIC_ASSERT _Static_assert
+#endif
+TARVO_STATIC_ASSERT(sizeof(tarvo_file_info) == 275, "4-byte file-information record");
+TARVO_STATIC_ASSERT(offsetof(tarvo_file_info, permit) == 16, "permit of the 4-byte record");
+TARVO_STATIC_ASSERT(offsetof(tarvo_file_info, name) == 20, "name of the 4-byte record");
+TARVO_STATIC_ASSERT(sizeof(tarvo_file_info_i8) == 279, "8-byte file-information record");
+TARVO_STATIC_ASSERT(offsetof(tarvo_file_info_i8, length) == 12, "length of the 8-byte record");
+TARVO_STATIC_ASSERT(offsetof(tarvo_file_info_i8, permit) == 20, "permit of the 8-byte record");
+TARVO_STATIC_ASSERT(offsetof(tarvo_file_info_i8, name) == 24, "name of the 8-byte record");
+#undef TARVO_STATIC_ASSERT
+
+/* The permit bits of a file-information record. */
+enum { TARVO_FILE_READONLY = 1, TARVO_FILE_DEVICE = 4, TARVO_FILE_DIR = 16 };
+
+/* Search handles of GETFILEINFOQQ (address-sized): in, start a search; out, its normal
+   end or its failure. Any other value names a search in progress. */
+enum { TARVO_FILE_FIRST = -1, TARVO_FILE_LAST = -2, TARVO_FILE_ERROR = -3 };
+
 /* LOGICAL true as the calling compilers represent it. */
 enum { TARVO_TRUE = 1, TARVO_FALSE = 0 };
 

@@ -1,0 +1,66 @@
+// Steps shared by the QQ routines: their path limits, their way of recording an error,
+// the routine's own copy of a name, and the wildcard rule.
+#pragma once
+
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+
+#include "frame/strings.h"
+#include "runtime/errsns.h"
+
+namespace qq {
+
+constexpr std::size_t kDirMax = 1024;        // a directory, or a whole resolved name
+constexpr std::size_t kNameMax = 255;        // one name within a directory
+constexpr std::size_t kJoinedSize = 1283;    // directory, "/", name and terminator
+constexpr std::size_t kResolvedSize = 1032;  // what the callers of the resolver provide
+
+// The QQ way of reporting a failure: errno and the run-time's recorder.
+inline void record_error(int code) noexcept {
+    errno = code;
+    runtime::for_errsns_load(0, code, 0, 0, 0);
+}
+
+// A terminated copy of a Fortran argument that the routine owns and may cut in place.
+struct ReleaseCstr {
+    void operator()(char* p) const noexcept { frame::deallocCstr(p); }
+};
+using OwnedCstr = std::unique_ptr<char, ReleaseCstr>;
+inline OwnedCstr copy_argument(const char* s, std::size_t len) noexcept {
+    return OwnedCstr(frame::allocCstr(s, frame::signed_length(len)));
+}
+
+// Cuts a name at its last "/" (overwritten by a terminator): the directory before it and
+// the name after it. Without a "/", dir is null and name is the whole text.
+struct PathParts {
+    const char* dir;
+    const char* name;
+};
+inline PathParts split_at_last_slash(char* text) noexcept {
+    char* slash = std::strrchr(text, '/');
+    if (slash == nullptr) return {nullptr, text};
+    *slash = '\0';
+    return {text, slash + 1};
+}
+
+// Copies at most `limit` characters of text into out and terminates it; the length copied.
+inline std::size_t copy_bounded(char* out, const char* text, std::size_t limit) noexcept {
+    const std::size_t n = strnlen(text, limit);
+    std::memcpy(out, text, n);
+    out[n] = '\0';
+    return n;
+}
+
+// dir (at most 1024 characters), "/" and name (at most 255) into out (kJoinedSize bytes).
+inline void join_path(char* out, const char* dir, const char* name) noexcept {
+    const std::size_t n = copy_bounded(out, dir, kDirMax);
+    out[n] = '/';
+    copy_bounded(out + n + 1, name, kNameMax);
+}
+
+// 0 when name matches the wildcard pattern ("?" one character, "*" any run), else 1.
+int patternMatch(const char* name, const char* pattern) noexcept;
+
+}  // namespace qq
