@@ -10,51 +10,51 @@ extern "C" {
 
 /* Path resolution: the absolute, canonical form of a terminated name, also for names that
    do not exist, into a buffer of at least 1025 bytes. */
-void __lodrik_resolve_unix_path(const char *path, char *resolved);
+void __lodrik_resolve_unix_path(const char *path, char *resolved) TARVO_NOEXCEPT;
 
 /* Path splitting and full paths */
 /* INTEGER(4) FUNCTION FULLPATHQQ(NAME, PATHBUF) */
-int32_t fullpathqq_(const char *name, char *pathbuf, tarvo_len_t name_len, tarvo_len_t pathbuf_len);
+int32_t fullpathqq_(const char *name, char *pathbuf, tarvo_len_t name_len, tarvo_len_t pathbuf_len) TARVO_NOEXCEPT;
 /* INTEGER(4) FUNCTION SPLITPATHQQ(PATH, DRIVE, DIR, NAME, EXT) */
 int32_t splitpathqq_(const char *path, char *drive, char *dir, char *name, char *ext,
                      tarvo_len_t path_len, tarvo_len_t drive_len, tarvo_len_t dir_len,
-                     tarvo_len_t name_len, tarvo_len_t ext_len);
+                     tarvo_len_t name_len, tarvo_len_t ext_len) TARVO_NOEXCEPT;
 
 /* File search and file information */
 /* INTEGER(4) FUNCTION FINDFILEQQ(FILENAME, VARNAME, PATHBUF) */
 int32_t findfileqq_(const char *filename, const char *varname, char *pathbuf,
-                    tarvo_len_t filename_len, tarvo_len_t varname_len, tarvo_len_t pathbuf_len);
+                    tarvo_len_t filename_len, tarvo_len_t varname_len, tarvo_len_t pathbuf_len) TARVO_NOEXCEPT;
 /* 1 when dir holds an entry called name (out = dir "/" name, 1281 bytes or more), else 0. */
-int search_path(char *out, const char *name, const char *dir);
+int search_path(char *out, const char *name, const char *dir) TARVO_NOEXCEPT;
 /* INTEGER(4) FUNCTION GETFILEINFOQQ(FILES, BUFFER, HANDLE), HANDLE INTEGER(INT_PTR_KIND()) */
-int32_t getfileinfoqq_(const char *files, tarvo_file_info *buffer, intptr_t *handle, tarvo_len_t files_len);
+int32_t getfileinfoqq_(const char *files, tarvo_file_info *buffer, intptr_t *handle, tarvo_len_t files_len) TARVO_NOEXCEPT;
 /* INTEGER(4) FUNCTION GETFILEINFOQQI8(FILES, BUFFER, HANDLE) */
 int32_t getfileinfoqqi8_(const char *files, tarvo_file_info_i8 *buffer, intptr_t *handle,
-                         tarvo_len_t files_len);
+                         tarvo_len_t files_len) TARVO_NOEXCEPT;
 
 /* File and directory maintenance */
 /* INTEGER(4) FUNCTION DELFILESQQ(FILES) */
-int32_t delfilesqq_(const char *files, tarvo_len_t files_len);
+int32_t delfilesqq_(const char *files, tarvo_len_t files_len) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION MAKEDIRQQ(DIRNAME), DELDIRQQ(DIRNAME), CHANGEDIRQQ(DIRNAME) */
-int32_t makedirqq_(const char *dirname, tarvo_len_t dirname_len);
-int32_t deldirqq_(const char *dirname, tarvo_len_t dirname_len);
-int32_t changedirqq_(const char *dirname, tarvo_len_t dirname_len);
+int32_t makedirqq_(const char *dirname, tarvo_len_t dirname_len) TARVO_NOEXCEPT;
+int32_t deldirqq_(const char *dirname, tarvo_len_t dirname_len) TARVO_NOEXCEPT;
+int32_t changedirqq_(const char *dirname, tarvo_len_t dirname_len) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION RENAMEFILEQQ(OLDNAME, NEWNAME) */
 int32_t renamefileqq_(const char *oldname, const char *newname, tarvo_len_t oldname_len,
-                      tarvo_len_t newname_len);
+                      tarvo_len_t newname_len) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION SETFILEACCESSQQ(FILENAME, ACCESS) */
-int32_t setfileaccessqq_(const char *filename, const int32_t *access, tarvo_len_t filename_len);
+int32_t setfileaccessqq_(const char *filename, const int32_t *access, tarvo_len_t filename_len) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION SETFILETIMEQQ(FILENAME, TIMEDATE) */
-int32_t setfiletimeqq_(const char *filename, const int32_t *timedate, tarvo_len_t filename_len);
+int32_t setfiletimeqq_(const char *filename, const int32_t *timedate, tarvo_len_t filename_len) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION CHANGEDRIVEQQ(DRIVE) */
-int32_t changedriveqq_(const char *drive, tarvo_len_t drive_len);
+int32_t changedriveqq_(const char *drive, tarvo_len_t drive_len) TARVO_NOEXCEPT;
 /* INTEGER(4) FUNCTION GETDRIVEDIRQQ(DRIVEDIR) */
-int32_t getdrivedirqq_(char *drivedir, tarvo_len_t drivedir_len);
+int32_t getdrivedirqq_(char *drivedir, tarvo_len_t drivedir_len) TARVO_NOEXCEPT;
 /* CHARACTER(26) FUNCTION GETDRIVESQQ() */
-void getdrivesqq_(char *drives, tarvo_len_t drives_len);
+void getdrivesqq_(char *drives, tarvo_len_t drives_len) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION GETDRIVESIZEQQ(DRIVE, TOTAL, AVAIL), and GETDRIVESIZEQQI8 */
-int32_t getdrivesizeqq_(const char *drive, void *total, void *avail, tarvo_len_t drive_len);
-int32_t getdrivesizeqqi8_(const char *drive, void *total, void *avail, tarvo_len_t drive_len);
+int32_t getdrivesizeqq_(const char *drive, void *total, void *avail, tarvo_len_t drive_len) TARVO_NOEXCEPT;
+int32_t getdrivesizeqqi8_(const char *drive, void *total, void *avail, tarvo_len_t drive_len) TARVO_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -5,6 +5,14 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* Entry points never throw: C++ callers see that in the declarations, which must agree
+   with the definitions. */
+#ifdef __cplusplus
+#define TARVO_NOEXCEPT noexcept
+#else
+#define TARVO_NOEXCEPT
+#endif
+
 /* Hidden length of a Fortran CHARACTER argument, passed by value after the visible ones. */
 typedef size_t tarvo_len_t;
 
