@@ -7,6 +7,7 @@ program tour
   call heading('Tarvo Fortran portability library: a tour')
   call show_library()
   call show_files()
+  call show_wildcards()
   call show_terminal()
   call show_posix()
   call show_time()
@@ -74,6 +75,59 @@ contains
     rc = unlink(scratch)
     call item('unlink again', 'result ' // trim(str(rc)) // ', ierrno ' // trim(str(ierrno())))
   end subroutine show_files
+
+  ! Files listed by wildcard with their sizes and times, a path split into its parts.
+  subroutine show_wildcards()
+    type(FILE_INFOI8) :: info
+    integer(FILE_HANDLE_KIND) :: handle
+    character(len=512) :: dir
+    character(len=64) :: name, ext
+    character(len=2) :: drive
+    integer :: n
+    call heading('Files by wildcard')
+    if (.not. makedirqq('tour-files')) call item('makedirqq', 'tour-files exists already')
+    call write_file('tour-files/alpha.dat', 'first')
+    call write_file('tour-files/beta.dat', 'the second file')
+    call write_file('tour-files/notes.txt', 'not listed')
+    if (.not. setfiletimeqq('tour-files/alpha.dat', 946684800)) call item('setfiletimeqq', 'failed')
+    handle = FILE_FIRST
+    do
+      n = getfileinfoqq('tour-files/*.dat', info, handle)
+      if (handle == FILE_LAST .or. handle == FILE_ERROR) exit
+      call item(info%name(1:n), trim(str(int(transfer(info%length, 0_8)))) // ' bytes, written ' // &
+                utc_date(info%lastwrite))
+    end do
+    n = splitpathqq('tour-files/alpha.dat', drive, dir, name, ext)
+    call item('splitpathqq directory', trim(dir))
+    call item('            name, ext', trim(name) // ', ' // trim(ext))
+    call item('delfilesqq tour-files/*', trim(str(delfilesqq('tour-files/*'))) // ' files deleted')
+    if (.not. deldirqq('tour-files')) call item('deldirqq', 'failed')
+  end subroutine show_wildcards
+
+  subroutine write_file(path, text)
+    character(len=*), intent(in) :: path, text
+    integer :: u
+    open (newunit=u, file=path, status='replace', access='stream')
+    write (u) text
+    close (u)
+  end subroutine write_file
+
+  ! Seconds since 1970 as a UTC date, YYYY-MM-DD.
+  function utc_date(seconds) result(date)
+    integer(4), intent(in) :: seconds
+    character(len=10) :: date
+    integer :: days, era, doe, yoe, doy, mp, d, m, y
+    days = seconds / 86400 + 719468
+    era = days / 146097
+    doe = days - era * 146097
+    yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365
+    doy = doe - (365 * yoe + yoe / 4 - yoe / 100)
+    mp = (5 * doy + 2) / 153
+    d = doy - (153 * mp + 2) / 5 + 1
+    m = mp + 3 - 12 * (mp / 10)
+    y = yoe + era * 400 + (12 - m) / 10
+    write (date, '(i4.4,"-",i2.2,"-",i2.2)') y, m, d
+  end function utc_date
 
   subroutine show_terminal()
     call heading('Terminal')
