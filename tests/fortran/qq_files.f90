@@ -10,13 +10,18 @@ program qq_files
   character(len=300) :: full, dir, found
   character(len=40) :: name, ext
   character(len=4) :: drive
-  integer :: n, count, total
+  character(len=*), parameter :: files(3) = [character(len=18) :: &
+    'qq_files.tmp/a.dat', 'qq_files.tmp/b.dat', 'qq_files.tmp/c.txt']
+  character(len=*), parameter :: contents(3) = [character(len=13) :: 'alpha', 'bravo charlie', 'x']
+  integer :: n, count, total, u
 
   call check_true('makedirqq', makedirqq('qq_files.tmp'))
   call check_false('makedirqq again', makedirqq('qq_files.tmp'))
-  call write_file('qq_files.tmp/a.dat', 'alpha')
-  call write_file('qq_files.tmp/b.dat', 'bravo charlie')
-  call write_file('qq_files.tmp/c.txt', 'x')
+  do n = 1, 3
+    open (newunit=u, file=files(n), status='replace', access='stream')
+    write (u) trim(contents(n))
+    close (u)
+  end do
 
   ! Every match once, with its size; then the normal end.
   handle = FILE_FIRST
@@ -61,15 +66,4 @@ program qq_files
   call check_str('getdrivesqq', getdrivesqq(), ' ')
   call check_false('changedriveqq', changedriveqq('C'))
   call checks_done('qq_files')
-
-contains
-
-  subroutine write_file(path, text)
-    character(len=*), intent(in) :: path, text
-    integer :: u
-    open (newunit=u, file=path, status='replace', access='stream')
-    write (u) text
-    close (u)
-  end subroutine write_file
-
 end program qq_files
