@@ -2,9 +2,9 @@ C     The QQ file routines the classic way: EXTERNAL declarations.
       PROGRAM LEGQQ
       USE, INTRINSIC :: ISO_C_BINDING, ONLY: C_INTPTR_T
       USE TARVO_CHECK
-      INTEGER FULLPATHQQ, SPLITPATHQQ, DELFILESQQ, GETFILEINFOQQ
+      INTEGER SPLITPATHQQ, GETFILEINFOQQ
       LOGICAL MAKEDIRQQ, DELDIRQQ
-      EXTERNAL FULLPATHQQ, SPLITPATHQQ, DELFILESQQ, GETFILEINFOQQ
+      EXTERNAL SPLITPATHQQ, GETFILEINFOQQ
       EXTERNAL MAKEDIRQQ, DELDIRQQ
       TYPE FINFO
         SEQUENCE
@@ -13,31 +13,19 @@ C     The QQ file routines the classic way: EXTERNAL declarations.
       END TYPE
       TYPE (FINFO) INFO
       INTEGER (KIND=C_INTPTR_T) HANDLE
-      CHARACTER*256 FULL, DIR
+      CHARACTER*256 DIR
       CHARACTER*32 NAME, EXT
       CHARACTER*2 DRIVE
-      INTEGER N, NDIRS
+      INTEGER N
 
       CALL CHECK_TRUE('MAKEDIRQQ', MAKEDIRQQ('legqq.tmp'))
-      OPEN (11, FILE='legqq.tmp/one.f', STATUS='REPLACE')
-      CLOSE (11)
-      CALL CHECK_TRUE('MAKEDIRQQ sub', MAKEDIRQQ('legqq.tmp/sub.f'))
-      NDIRS = 0
       HANDLE = -1
-   10 N = GETFILEINFOQQ('legqq.tmp/*.f', INFO, HANDLE)
-      IF (HANDLE .GE. 0) THEN
-        IF (INFO%PERMIT .EQ. 16) NDIRS = NDIRS + 1
-        GOTO 10
-      END IF
-      CALL CHECK_TRUE('GETFILEINFOQQ end', HANDLE .EQ. -2)
-      CALL CHECK_INT('GETFILEINFOQQ directories', NDIRS, 1)
-      N = FULLPATHQQ('legqq.tmp/./one.f', FULL)
-      CALL CHECK_STR('FULLPATHQQ', FULL(N-15:N), '/legqq.tmp/one.f')
-      N = SPLITPATHQQ(FULL(1:N), DRIVE, DIR, NAME, EXT)
+      N = GETFILEINFOQQ('legqq.*', INFO, HANDLE)
+      CALL CHECK_STR('GETFILEINFOQQ', INFO%NAME(1:N), 'legqq.tmp')
+      CALL CHECK_INT('GETFILEINFOQQ permit', INFO%PERMIT, 16)
+      N = SPLITPATHQQ('legqq.tmp/./one.f', DRIVE, DIR, NAME, EXT)
       CALL CHECK_STR('SPLITPATHQQ', DIR(N-9:N) // NAME // EXT // DRIVE,
      &               'legqq.tmp/one' // REPEAT(' ', 29) // '.f')
-      CALL CHECK_INT('DELFILESQQ', DELFILESQQ('legqq.tmp/*'), 1)
-      CALL CHECK_TRUE('DELDIRQQ sub', DELDIRQQ('legqq.tmp/sub.f'))
       CALL CHECK_TRUE('DELDIRQQ', DELDIRQQ('legqq.tmp'))
       CALL CHECKS_DONE('legacy_qq_files')
       END
