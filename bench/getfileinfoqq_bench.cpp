@@ -11,9 +11,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
 #include <string>
 
+#include "bench/medians.h"
 #include "qq/qq.h"
 #include <tarvo/qq.h>
 
@@ -100,18 +100,6 @@ void fnmatch_pair(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(fnmatch(pair.pattern.c_str(), pair.name.c_str(), 0));
 }
 
-// Keeps the median of every benchmark so the ratios can be printed after the run.
-class MedianReporter : public benchmark::ConsoleReporter {
-public:
-    MedianReporter() : ConsoleReporter(OO_None) {}
-    std::map<std::string, double> medians;
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs)
-            if (run.aggregate_name == "median") medians[run.run_name.function_name] = run.GetAdjustedRealTime();
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -133,7 +121,7 @@ int main(int argc, char** argv) {
         auto* b = benchmark::RegisterBenchmark(c.name, c.fn)->Repetitions(9)->ReportAggregatesOnly(true);
         if (c.slow) b->Iterations(1)->Unit(benchmark::kMillisecond);
     }
-    MedianReporter reporter;
+    tarvo_bench::MedianReporter reporter(benchmark::ConsoleReporter::OO_None);
     benchmark::RunSpecifiedBenchmarks(&reporter);
     remove_directory();
     const struct {
