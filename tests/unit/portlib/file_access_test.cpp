@@ -54,7 +54,9 @@ TEST_F(FileAccess, AccessResultsAndTheirCoarseMapping) {
     };
     for (const Case& c : cases) {
         EXPECT_EQ(call_access(c.name, c.mode), c.want) << c.name.substr(0, 9) << " '" << c.mode << "'";
-        if (c.want != 0) EXPECT_EQ(ierrno_(), c.want);
+        if (c.want != 0) {
+            EXPECT_EQ(ierrno_(), c.want);
+        }
     }
     EXPECT_EQ(runtime::last_recorded_error(), EACCES);
     EXPECT_EQ(access_("f", "r", 0, 1), EINVAL);
