@@ -21,6 +21,8 @@
 
 #include <tarvo/posix.h>
 
+#include "bench/median.h"
+
 namespace {
 
 struct Row {
@@ -90,22 +92,11 @@ void BM_linear_scan(benchmark::State& state) {
 BENCHMARK(BM_pxfconst)->Repetitions(9)->ReportAggregatesOnly(true);
 BENCHMARK(BM_linear_scan)->Repetitions(9)->ReportAggregatesOnly(true);
 
-// Keeps the median time per lookup of every benchmark for the closing ratio.
-class MedianReporter : public benchmark::ConsoleReporter {
-public:
-    std::map<std::string, double> medians;
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs)
-            if (run.aggregate_name == "median") medians[run.run_name.function_name] = run.GetAdjustedRealTime();
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    MedianReporter reporter;
+    tarvo_bench::MedianReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     const double ours = reporter.medians["BM_pxfconst"], scan = reporter.medians["BM_linear_scan"];
     if (ours > 0 && scan > 0)
