@@ -20,7 +20,7 @@
 
 #include <tarvo/posix.h>
 
-#include "bench/median.h"
+#include "bench/medians.h"
 
 namespace {
 

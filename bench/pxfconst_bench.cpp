@@ -19,9 +19,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/medians.h"
 #include <tarvo/posix.h>
-
-#include "bench/median.h"
 
 namespace {
 

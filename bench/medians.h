@@ -1,5 +1,4 @@
-// Keeps the median time of every benchmark run with repetitions, so that a benchmark can
-// close with the ratio of its routine to the baseline measured in the same run.
+// Benchmarks print ratios of medians measured in the same run; this reporter keeps them.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -12,7 +11,9 @@ namespace tarvo_bench {
 
 class MedianReporter : public benchmark::ConsoleReporter {
 public:
-    std::map<std::string, double> medians;  // by benchmark name, in the reporter's time unit
+    using ConsoleReporter::ConsoleReporter;
+    std::map<std::string, double> medians;  // by benchmark function name
+
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs)
             if (run.aggregate_name == "median") medians[run.run_name.function_name] = run.GetAdjustedRealTime();
