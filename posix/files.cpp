@@ -48,6 +48,17 @@ long low32_result(std::int32_t* out, long long result) noexcept {
     return *out;
 }
 
+// Reads or writes NBYTE bytes with `io`. A negative NBYTE is refused as the host refuses a
+// count it cannot take (-1, errno EINVAL), never widened into a count that runs past BUF.
+template <class Io>
+long transfer(std::int32_t nbyte, Io io) noexcept {
+    if (nbyte < 0) {
+        errno = EINVAL;
+        return -1;
+    }
+    return io(static_cast<std::size_t>(nbyte));
+}
+
 // The directory stream a handle names. Anything else, an instance included, gives
 // IERROR = ENOHANDLE and errno = EINVAL, so a bad handle never reaches the host.
 DirectoryStream* resolve_stream(const std::int32_t* idirid, std::int32_t* ierror) noexcept {
@@ -312,15 +323,16 @@ extern "C" TARVO_API void pxfclose_(const std::int32_t* ifildes, std::int32_t* i
 extern "C" TARVO_API void pxfread_(const std::int32_t* ifildes, void* buf, const std::int32_t* nbyte,
                                    std::int32_t* nread, std::int32_t* ierror) noexcept {
     if (ifildes == nullptr || buf == nullptr || nbyte == nullptr || nread == nullptr) return report(ierror, -1);
-    // A negative NBYTE becomes a count no buffer can hold: the host refuses it (EFAULT).
-    *nread = static_cast<std::int32_t>(::read(*ifildes, buf, static_cast<std::size_t>(*nbyte)));
-    report_host(ierror, *nread);
+    const long count = posix::transfer(*nbyte, [&](std::size_t n) { return ::read(*ifildes, buf, n); });
+    *nread = static_cast<std::int32_t>(count);
+    report_host(ierror, count);
 }
 
-// SUBROUTINE PXFWRITE(IFILDES, BUF, NBYTE, NWRITTEN, IERROR) -- no argument checks
+// SUBROUTINE PXFWRITE(IFILDES, BUF, NBYTE, NWRITTEN, IERROR)
 extern "C" TARVO_API void pxfwrite_(const std::int32_t* ifildes, const void* buf, const std::int32_t* nbyte,
                                     std::int32_t* nwritten, std::int32_t* ierror) noexcept {
-    report_host(ierror, posix::low32_result(nwritten, ::write(*ifildes, buf, static_cast<std::size_t>(*nbyte))));
+    const long written = posix::transfer(*nbyte, [&](std::size_t n) { return ::write(*ifildes, buf, n); });
+    report_host(ierror, posix::low32_result(nwritten, written));
 }
 
 // SUBROUTINE PXFLSEEK(IFILDES, IOFFSET, IWHENCE, IPOSITION, IERROR) -- no argument checks
