@@ -17,12 +17,6 @@ Name pxf_name(const char* s, std::size_t hidden_length) noexcept {
     return {s, n};
 }
 
-bool same_name(Name name, const char* text) noexcept {
-    for (std::size_t i = 0; i < name.length; ++i)
-        if (text[i] == '\0' || fold(name.text[i]) != fold(text[i])) return false;
-    return text[name.length] == '\0';
-}
-
 namespace {
 // The ILEN 0 rule: the declared length less trailing white space, at least one character.
 frame::flen declared_path_length(const char* path, std::size_t path_len) noexcept {

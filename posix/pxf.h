@@ -23,8 +23,14 @@ Name pxf_name(const char* s, std::size_t hidden_length) noexcept;
 
 // ASCII case folding, the comparison of every PXF name.
 constexpr char fold(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-// True when the name equals the whole terminated text, ignoring case.
-bool same_name(Name name, const char* text) noexcept;
+// True when the name equals the whole terminated text, ignoring case. A name holds no NUL
+// (pxf_name ends it there), so the text's terminator never matches one of its characters.
+// Inline: the field and type lookups call it once per table row.
+inline bool same_name(Name name, const char* text) noexcept {
+    for (std::size_t i = 0; i < name.length; ++i)
+        if (fold(name.text[i]) != fold(text[i])) return false;
+    return text[name.length] == '\0';
+}
 
 // A path as a terminated heap copy for the length of a scope. A copy that cannot be made
 // leaves the object false and errno set: EINVAL for a null address or a negative length,
