@@ -74,13 +74,12 @@ DirectoryStream* resolve_stream(const std::int32_t* idirid, std::int32_t* ierror
 // A handle for an open stream, or 0 (the stream closed) when no memory is left for it.
 std::int32_t register_stream(DIR* stream) noexcept {
     auto* block = static_cast<DirectoryStream*>(frame::allocate(sizeof(DirectoryStream)));
+    if (block != nullptr) *block = {kDirectoryStreamTag, stream};
     const std::int32_t handle = block != nullptr ? frame::get_handle_from_alloc_address(block) : 0;
     if (handle == 0) {
         frame::release(block);
         ::closedir(stream);
-        return 0;
     }
-    *block = {kDirectoryStreamTag, stream};
     return handle;
 }
 
