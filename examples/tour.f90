@@ -13,6 +13,7 @@ program tour
   call show_time()
   call show_host()
   call show_environment()
+  call show_posix_files()
 
 contains
 
@@ -216,5 +217,53 @@ contains
     call scanenv('PATH', name, value)
     call item('scanenv PATH: ' // trim(name), value(1:40) // '...')
   end subroutine show_environment
+
+  subroutine show_posix_files()
+    character(len=*), parameter :: dir = 'tour-pxf.d'
+    integer :: ierror, fd, n, i, idirid, jdirent, jstat, ilen
+    integer(8) :: size
+    character(len=64) :: name
+    character(len=32) :: text
+    call heading('POSIX files and directories')
+    call pxfmkdir(dir, 0, int(o'755'), ierror)
+    call item('pxfmkdir ' // dir, 'ierror ' // trim(str(ierror)))
+    ! Three files written through descriptors; names are blank padded, ILEN 0 trims them.
+    do i = 1, 3
+      write (name, '(a,"/file",i0,".txt")') dir, i
+      call pxfopen(name, 0, ipxfconst('O_CREAT') + ipxfconst('O_WRONLY'), int(o'644'), fd, ierror)
+      write (text, '("line ",i0,a)') i, achar(10)
+      call pxfwrite(fd, text, len_trim(text) * i, n, ierror)
+      call pxfclose(fd, ierror)
+    end do
+    ! The directory listed through a stream handle, each file's size through a "stat" instance.
+    jdirent = 0
+    jstat = 0
+    call pxfstructcreate('dirent', jdirent, ierror)
+    call pxfstructcreate('stat', jstat, ierror)
+    call pxfopendir(dir, 0, idirid, ierror)
+    do
+      call pxfreaddir(idirid, jdirent, ierror)
+      if (ierror /= 0) exit
+      call pxfstrget(jdirent, 'd_name', name, ilen, ierror)
+      call pxfstat(dir // '/' // name(1:ilen), 0, jstat, ierror)
+      call pxfint8get(jstat, 'st_size', size, ierror)
+      write (text, '(i0," bytes")') size
+      call item('  ' // name(1:ilen), trim(text))
+      if (name(1:1) /= '.') call pxfunlink(dir // '/' // name(1:ilen), 0, ierror)
+    end do
+    ! The end reports EENDDIR (128), or an error number an earlier call left in errno.
+    if (ierror == EENDDIR) then
+      call item('end of the listing', 'ierror 128 (EENDDIR)')
+    else
+      call item('end of the listing', 'ierror ' // trim(str(ierror)) // ' (left in errno by an earlier call)')
+    end if
+    call pxfclosedir(idirid, ierror)
+    call pxfrmdir(dir, 0, ierror)
+    call item('pxfrmdir after unlinking', 'ierror ' // trim(str(ierror)))
+    call pxffileno(6, fd, ierror)
+    call item('pxffileno of unit 6', 'descriptor ' // trim(str(fd)))
+    call pxfstructfree(jstat, ierror)
+    call pxfstructfree(jdirent, ierror)
+  end subroutine show_posix_files
 
 end program tour

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/handles.h"
+#include "frame/memory.h"
 #include "frame/strings.h"
 
 namespace posix {
@@ -16,11 +17,41 @@ Name pxf_name(const char* s, std::size_t hidden_length) noexcept {
     return {s, n};
 }
 
-bool same_name(Name name, const char* text) noexcept {
-    for (std::size_t i = 0; i < name.length; ++i)
-        if (text[i] == '\0' || fold(name.text[i]) != fold(text[i])) return false;
-    return text[name.length] == '\0';
+namespace {
+// The ILEN 0 rule: the declared length less trailing white space, at least one character.
+frame::flen declared_path_length(const char* path, std::size_t path_len) noexcept {
+    frame::flen n = frame::low32_length(path_len);
+    if (n <= 0 || path == nullptr) return 0;
+    // Blanks, by far the usual padding, are white space in every locale: they are passed
+    // over eight at a time, and one at a time without asking the classifier.
+    constexpr std::uint64_t kEightBlanks = 0x2020202020202020;
+    for (std::uint64_t word; n > 8; n -= 8) {
+        std::memcpy(&word, path + n - 8, sizeof word);
+        if (word != kEightBlanks) break;
+    }
+    while (n > 1 && (path[n - 1] == ' ' || frame::isspace(static_cast<unsigned char>(path[n - 1])))) --n;
+    return n;
 }
+}  // namespace
+
+Path::Path(const char* text, frame::flen length) noexcept : p_(nullptr) {
+    if (text == nullptr || length < 0) {
+        errno = EINVAL;
+        return;
+    }
+    p_ = static_cast<char*>(frame::allocate(static_cast<std::size_t>(length) + 1));
+    if (p_ == nullptr) {
+        errno = ENOMEM;
+        return;
+    }
+    std::memcpy(p_, text, static_cast<std::size_t>(length));
+    p_[length] = '\0';
+}
+
+Path::Path(const char* path, const std::int32_t* ilen, std::size_t path_len) noexcept
+    : Path(path, ilen != nullptr && *ilen != 0 ? *ilen : declared_path_length(path, path_len)) {}
+
+Path::~Path() { frame::release(p_); }
 
 void* resolve_handle(const std::int32_t* handle, std::int32_t* ierror) noexcept {
     void* block = handle != nullptr ? frame::get_address_from_handle(*handle, frame::HandleTable::allocatable)

@@ -1,12 +1,13 @@
-// The recurring steps of the PXF routines: reading a PXF name, reporting through IERROR,
-// resolving a structure handle to an instance of the expected type, and storing a text
-// result with the ETRUNC rule.
+// The recurring steps of the PXF routines: reading a PXF name or a path, reporting through
+// IERROR, resolving a structure handle to an instance of the expected type, and storing a
+// text result with the ETRUNC rule.
 #pragma once
 
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/strings.h"
 #include "posix/instances.h"
 
 namespace posix {
@@ -22,8 +23,36 @@ Name pxf_name(const char* s, std::size_t hidden_length) noexcept;
 
 // ASCII case folding, the comparison of every PXF name.
 constexpr char fold(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-// True when the name equals the whole terminated text, ignoring case.
-bool same_name(Name name, const char* text) noexcept;
+// True when the name equals the whole terminated text, ignoring case. A name holds no NUL
+// (pxf_name ends it there), so the text's terminator never matches one of its characters.
+// Inline: the field and type lookups call it once per table row.
+inline bool same_name(Name name, const char* text) noexcept {
+    for (std::size_t i = 0; i < name.length; ++i)
+        if (fold(name.text[i]) != fold(text[i])) return false;
+    return text[name.length] == '\0';
+}
+
+// A path as a terminated heap copy for the length of a scope. A copy that cannot be made
+// leaves the object false and errno set: EINVAL for a null address or a negative length,
+// ENOMEM when no memory is left.
+class Path {
+public:
+    // Exactly `length` characters of `text` (a NUL among them ends the path the host sees).
+    Path(const char* text, frame::flen length) noexcept;
+    // The path argument of the PXF path routines: with ILEN not 0, the first ILEN characters
+    // of PATH, whatever its declared length; with ILEN 0, the declared length (its low 32
+    // bits) less trailing white space by the private classifier, but never below one
+    // character, so an all-blank PATH is a path of one blank.
+    Path(const char* path, const std::int32_t* ilen, std::size_t path_len) noexcept;
+    ~Path();
+    Path(const Path&) = delete;
+    Path& operator=(const Path&) = delete;
+    explicit operator bool() const noexcept { return p_ != nullptr; }
+    const char* c_str() const noexcept { return p_; }
+
+private:
+    char* p_;
+};
 
 // IERROR receives `code`; the variants with `errno_value` also set the thread's errno.
 inline void report(std::int32_t* ierror, std::int32_t code) noexcept { *ierror = code; }
@@ -31,6 +60,9 @@ inline void report(std::int32_t* ierror, std::int32_t code, int errno_value) noe
     errno = errno_value;
     *ierror = code;
 }
+
+// IERROR for a host call that returns -1 on failure: the thread's errno then, else 0.
+inline void report_host(std::int32_t* ierror, long result) noexcept { *ierror = result == -1 ? errno : 0; }
 
 // The instance an allocatable handle names, whatever its type, or null when the handle
 // names nothing (IERROR = ENOHANDLE, errno = EINVAL).

@@ -119,6 +119,110 @@ int32_t pxfcallsubhandle_(const int32_t *jhandle, int32_t *ival, int32_t *ierror
 TARVO_PXF_STUB_ACCESSORS(TARVO_PXF_DECLARE_STUB)
 #undef TARVO_PXF_DECLARE_STUB
 
+/* --- files and directories --------------------------------------------------------- */
+/* The path routines take PATH and ILEN: with ILEN 0 the path is PATH less trailing white
+ * space (at least one character), otherwise its first ILEN characters. IERROR is 0, or the
+ * system's errno when the call fails. */
+
+/* SUBROUTINE PXFOPEN(PATH, ILEN, IOPENFLAG, IMODE, IFILDES, IERROR) */
+void pxfopen_(const char *path, const int32_t *ilen, const int32_t *iopenflag, const int32_t *imode,
+              int32_t *ifildes, int32_t *ierror, tarvo_len_t path_len);
+/* SUBROUTINE PXFCREAT(PATH, ILEN, IMODE, IFILDES, IERROR) */
+void pxfcreat_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ifildes, int32_t *ierror,
+               tarvo_len_t path_len);
+/* SUBROUTINE PXFCHDIR(PATH, ILEN, IERROR) */
+void pxfchdir_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len);
+/* SUBROUTINE PXFMKDIR(PATH, ILEN, IMODE, IERROR) */
+void pxfmkdir_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, tarvo_len_t path_len);
+/* SUBROUTINE PXFRMDIR(PATH, ILEN, IERROR) */
+void pxfrmdir_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len);
+/* SUBROUTINE PXFUNLINK(PATH, ILEN, IERROR) */
+void pxfunlink_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len);
+/* SUBROUTINE PXFACCESS(PATH, ILEN, IAMODE, IERROR) */
+void pxfaccess_(const char *path, const int32_t *ilen, const int32_t *iamode, int32_t *ierror,
+                tarvo_len_t path_len);
+/* SUBROUTINE PXFCHMOD(PATH, ILEN, IMODE, IERROR) */
+void pxfchmod_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, tarvo_len_t path_len);
+/* SUBROUTINE PXFLINK(EXISTING, LENEXIST, NEW, LENNEW, IERROR) */
+void pxflink_(const char *existing, const int32_t *lenexist, const char *created, const int32_t *lennew,
+              int32_t *ierror, tarvo_len_t existing_len, tarvo_len_t created_len);
+/* SUBROUTINE PXFRENAME(OLD, LENOLD, NEW, LENNEW, IERROR) */
+void pxfrename_(const char *old, const int32_t *lenold, const char *renamed, const int32_t *lennew,
+                int32_t *ierror, tarvo_len_t old_len, tarvo_len_t renamed_len);
+/* SUBROUTINE PXFSTAT(PATH, ILEN, JSTAT, IERROR): JSTAT a "stat" instance. */
+void pxfstat_(const char *path, const int32_t *ilen, const int32_t *jstat, int32_t *ierror, tarvo_len_t path_len);
+/* SUBROUTINE PXFUTIME(PATH, ILEN, JUTIMBUF, IERROR): PATH ends at its first blank, ILEN is
+ * not used; JUTIMBUF a "utimbuf" instance, or 0 for the current time. */
+void pxfutime_(const char *path, const int32_t *ilen, const int32_t *jutimbuf, int32_t *ierror,
+               tarvo_len_t path_len);
+/* SUBROUTINE PXFPATHCONF(PATH, ILEN, NAME, IVAL, IERROR) */
+void pxfpathconf_(const char *path, const int32_t *ilen, const int32_t *name, int32_t *ival, int32_t *ierror,
+                  tarvo_len_t path_len);
+
+/* SUBROUTINE PXFOPENDIR(DIRNAME, LENDIRNAME, IDIRID, IERROR) */
+void pxfopendir_(const char *dirname, const int32_t *lendirname, int32_t *idirid, int32_t *ierror,
+                 tarvo_len_t dirname_len);
+/* SUBROUTINE PXFREADDIR(IDIRID, JDIRENT, IERROR): 128 at the end of the stream. */
+void pxfreaddir_(const int32_t *idirid, const int32_t *jdirent, int32_t *ierror);
+/* SUBROUTINE PXFREWINDDIR(IDIRID, IERROR) */
+void pxfrewinddir_(const int32_t *idirid, int32_t *ierror);
+/* SUBROUTINE PXFCLOSEDIR(IDIRID, IERROR): IDIRID becomes 0. */
+void pxfclosedir_(int32_t *idirid, int32_t *ierror);
+
+/* SUBROUTINE PXFGETCWD(BUF, ILEN, IERROR): ILEN receives the length. */
+void pxfgetcwd_(char *buf, int32_t *ilen, int32_t *ierror, tarvo_len_t buf_len);
+/* SUBROUTINE PXFUMASK(ICMASK, IPREVCMASK, IERROR) */
+void pxfumask_(const int32_t *icmask, int32_t *iprevcmask, int32_t *ierror);
+/* SUBROUTINE PXFFSTAT(IFILDES, JSTAT, IERROR) */
+void pxffstat_(const int32_t *ifildes, const int32_t *jstat, int32_t *ierror);
+/* SUBROUTINE PXFFPATHCONF(IFILDES, NAME, IVAL, IERROR) */
+void pxffpathconf_(const int32_t *ifildes, const int32_t *name, int32_t *ival, int32_t *ierror);
+/* SUBROUTINE PXFDUP(IFILDES, IFID, IERROR) */
+void pxfdup_(const int32_t *ifildes, int32_t *ifid, int32_t *ierror);
+/* SUBROUTINE PXFDUP2(IFILDES, IFILDES2, IERROR): the new descriptor is the result. */
+int32_t pxfdup2_(const int32_t *ifildes, const int32_t *ifildes2, int32_t *ierror);
+/* SUBROUTINE PXFCLOSE(IFILDES, IERROR) */
+void pxfclose_(const int32_t *ifildes, int32_t *ierror);
+/* SUBROUTINE PXFREAD(IFILDES, BUF, NBYTE, NREAD, IERROR): -1 when an argument is absent. */
+void pxfread_(const int32_t *ifildes, void *buf, const int32_t *nbyte, int32_t *nread, int32_t *ierror);
+/* SUBROUTINE PXFWRITE(IFILDES, BUF, NBYTE, NWRITTEN, IERROR) */
+void pxfwrite_(const int32_t *ifildes, const void *buf, const int32_t *nbyte, int32_t *nwritten, int32_t *ierror);
+/* SUBROUTINE PXFLSEEK(IFILDES, IOFFSET, IWHENCE, IPOSITION, IERROR) */
+void pxflseek_(const int32_t *ifildes, const int32_t *ioffset, const int32_t *iwhence, int32_t *iposition,
+               int32_t *ierror);
+/* SUBROUTINE PXFPIPE(IREADFD, IWRITEFD, IERROR) */
+void pxfpipe_(int32_t *ireadfd, int32_t *iwritefd, int32_t *ierror);
+
+/* LOGICAL FUNCTION PXFISDIR(M), PXFISCHR, PXFISBLK, PXFISREG, PXFISFIFO: the file type in
+ * a mode value (st_mode). */
+int32_t pxfisdir_(const int32_t *m);
+int32_t pxfischr_(const int32_t *m);
+int32_t pxfisblk_(const int32_t *m);
+int32_t pxfisreg_(const int32_t *m);
+int32_t pxfisfifo_(const int32_t *m);
+
+/* --- Fortran units as POSIX streams ------------------------------------------------ */
+
+/* SUBROUTINE PXFPOSIXIO(NEW, OLD, IERROR): IERROR is EINVAL whenever NEW is 0. */
+void pxfposixio_(const int32_t *inew, int32_t *iold, int32_t *ierror);
+/* SUBROUTINE PXFFILENO(IUNIT, IFILDES, IERROR) */
+void pxffileno_(const int32_t *iunit, int32_t *ifildes, int32_t *ierror);
+/* SUBROUTINE PXFFDOPEN(IFILDES, IUNIT, ACCESS, IERROR) */
+void pxffdopen_(const int32_t *ifildes, const int32_t *iunit, const char *access, int32_t *ierror,
+                tarvo_len_t access_len);
+/* SUBROUTINE PXFFFLUSH(IUNIT, IERROR) */
+void pxffflush_(const int32_t *iunit, int32_t *ierror);
+/* SUBROUTINE PXFFSEEK(IUNIT, IOFFSET, IWHENCE, IERROR) */
+void pxffseek_(const int32_t *iunit, const int32_t *ioffset, const int32_t *iwhence, int32_t *ierror);
+/* SUBROUTINE PXFFTELL(IUNIT, IOFFSET, IERROR) */
+void pxfftell_(const int32_t *iunit, int32_t *ioffset, int32_t *ierror);
+/* SUBROUTINE PXFGETC(CH, IERROR), PXFFGETC(IUNIT, CH, IERROR): EEND at the end of file. */
+void pxfgetc_(char *ch, int32_t *ierror, tarvo_len_t ch_len);
+void pxffgetc_(const int32_t *iunit, char *ch, int32_t *ierror, tarvo_len_t ch_len);
+/* SUBROUTINE PXFPUTC(CH, IERROR), PXFFPUTC(IUNIT, CH, IERROR) */
+void pxfputc_(const char *ch, int32_t *ierror, tarvo_len_t ch_len);
+void pxffputc_(const int32_t *iunit, const char *ch, int32_t *ierror, tarvo_len_t ch_len);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,0 +1,39 @@
+C     Files and directories in the classic calling style: routines declared EXTERNAL.
+      PROGRAM LEGACY
+      USE TARVO_CHECK
+      INTEGER IPXFCONST
+      EXTERNAL IPXFCONST, PXFMKDIR, PXFOPEN, PXFWRITE, PXFLSEEK, PXFREAD
+      EXTERNAL PXFCLOSE, PXFUNLINK, PXFRMDIR, PXFOPENDIR, PXFREADDIR
+      EXTERNAL PXFCLOSEDIR, PXFSTRUCTCREATE, PXFSTRUCTFREE
+      INTEGER IERR, IFD, N, IPOS, JDIR, JENT, COUNT
+      CHARACTER*16 BUF
+
+      CALL PXFMKDIR('legacy.d', 0, 493, IERR)
+C     ILEN 14 takes 'legacy.d/a.dat', not the rest of the text.
+      CALL PXFOPEN('legacy.d/a.dat and more', 14,
+     &     IPXFCONST('O_CREAT') + IPXFCONST('O_RDWR'), 420, IFD, IERR)
+      CALL CHECK_INT('PXFOPEN', IERR, 0)
+      BUF = 'FORTRAN77'
+      CALL PXFWRITE(IFD, BUF, 9, N, IERR)
+      CALL PXFLSEEK(IFD, 4, IPXFCONST('SEEK_SET'), IPOS, IERR)
+      BUF = ' '
+      CALL PXFREAD(IFD, BUF, 16, N, IERR)
+      CALL CHECK_STR('PXFREAD after PXFLSEEK', BUF, 'RAN77')
+      CALL PXFCLOSE(IFD, IERR)
+
+      CALL PXFSTRUCTCREATE('dirent', JENT, IERR)
+      CALL PXFOPENDIR('legacy.d', 0, JDIR, IERR)
+      COUNT = 0
+   10 CALL PXFREADDIR(JDIR, JENT, IERR)
+      IF (IERR .EQ. 0) THEN
+        COUNT = COUNT + 1
+        GOTO 10
+      END IF
+      CALL CHECK_INT('entries', COUNT, 3)
+      CALL PXFCLOSEDIR(JDIR, IERR)
+      CALL PXFUNLINK('legacy.d/a.dat', 0, IERR)
+      CALL PXFRMDIR('legacy.d', 0, IERR)
+      CALL CHECK_INT('PXFRMDIR', IERR, 0)
+      CALL PXFSTRUCTFREE(JENT, IERR)
+      CALL CHECKS_DONE('legacy_pxf_files')
+      END
