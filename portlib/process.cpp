@@ -169,7 +169,7 @@ extern "C" TARVO_API void sleep_(const std::int32_t* seconds) noexcept {
 }
 
 // SUBROUTINE ABORT([MESSAGE]) -- "abort: " and at most 240 characters of MESSAGE
-extern "C" TARVO_API [[noreturn]] void abort_(const char* message, std::size_t message_len) noexcept {
+extern "C" TARVO_API void abort_(const char* message, std::size_t message_len) noexcept {
     constexpr char kPrefix[] = "abort: ";
     constexpr char kDefault[] = "abort: Fortran Abort Called";
     char text[256];
@@ -185,4 +185,4 @@ extern "C" TARVO_API [[noreturn]] void abort_(const char* message, std::size_t m
 }
 
 // SUBROUTINE EXIT([STATUS]) -- flushes the Fortran units and ends the program
-extern "C" TARVO_API [[noreturn]] void exit_(const std::int32_t* status) noexcept { runtime::for_exit(status); }
+extern "C" TARVO_API void exit_(const std::int32_t* status) noexcept { runtime::for_exit(status); }

@@ -13,65 +13,65 @@ extern "C" {
 /* --- constants ------------------------------------------------------------------- */
 
 /* SUBROUTINE PXFCONST(CONSTNAME, IVAL, IERROR) */
-void pxfconst_(const char *constname, int32_t *ival, int32_t *ierror, tarvo_len_t constname_len);
+void pxfconst_(const char *constname, int32_t *ival, int32_t *ierror, tarvo_len_t constname_len) TARVO_NOEXCEPT;
 /* INTEGER FUNCTION IPXFCONST(CONSTNAME): the value, or -1 for an unknown name. */
-int32_t ipxfconst_(const char *constname, tarvo_len_t constname_len);
+int32_t ipxfconst_(const char *constname, tarvo_len_t constname_len) TARVO_NOEXCEPT;
 /* LOGICAL FUNCTION PXFISCONST(CONSTNAME) */
-int32_t pxfisconst_(const char *constname, tarvo_len_t constname_len);
+int32_t pxfisconst_(const char *constname, tarvo_len_t constname_len) TARVO_NOEXCEPT;
 
 /* --- structure instances --------------------------------------------------------- */
 
 /* SUBROUTINE PXFSTRUCTCREATE(STRUCTNAME, JHANDLE, IERROR) */
-void pxfstructcreate_(const char *structname, int32_t *jhandle, int32_t *ierror, tarvo_len_t structname_len);
+void pxfstructcreate_(const char *structname, int32_t *jhandle, int32_t *ierror, tarvo_len_t structname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFSTRUCTCOPY(STRUCTNAME, JHANDLE1, JHANDLE2, IERROR): JHANDLE1 into JHANDLE2. */
 void pxfstructcopy_(const char *structname, const int32_t *jhandle1, const int32_t *jhandle2,
-                    int32_t *ierror, tarvo_len_t structname_len);
+                    int32_t *ierror, tarvo_len_t structname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFSTRUCTFREE(JHANDLE, IERROR): JHANDLE becomes 0. */
-void pxfstructfree_(int32_t *jhandle, int32_t *ierror);
+void pxfstructfree_(int32_t *jhandle, int32_t *ierror) TARVO_NOEXCEPT;
 
 /* --- field access ---------------------------------------------------------------- */
 
 /* SUBROUTINE PXFINTGET(JHANDLE, COMPNAME, VALUE, IERROR), PXFINTSET(...) */
 void pxfintget_(const int32_t *jhandle, const char *compname, int32_t *value, int32_t *ierror,
-                tarvo_len_t compname_len);
+                tarvo_len_t compname_len) TARVO_NOEXCEPT;
 void pxfintset_(const int32_t *jhandle, const char *compname, const int32_t *value, int32_t *ierror,
-                tarvo_len_t compname_len);
+                tarvo_len_t compname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFINT8GET(JHANDLE, COMPNAME, VALUE, IERROR), PXFINT8SET(...); VALUE INTEGER(8) */
 void pxfint8get_(const int32_t *jhandle, const char *compname, int64_t *value, int32_t *ierror,
-                 tarvo_len_t compname_len);
+                 tarvo_len_t compname_len) TARVO_NOEXCEPT;
 void pxfint8set_(const int32_t *jhandle, const char *compname, const int64_t *value, int32_t *ierror,
-                 tarvo_len_t compname_len);
+                 tarvo_len_t compname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFAINTGET(JHANDLE, COMPNAME, VALUE, IALEN, IERROR), PXFAINTSET(...) */
 void pxfaintget_(const int32_t *jhandle, const char *compname, int32_t *value, int32_t *ialen,
-                 int32_t *ierror, tarvo_len_t compname_len);
+                 int32_t *ierror, tarvo_len_t compname_len) TARVO_NOEXCEPT;
 void pxfaintset_(const int32_t *jhandle, const char *compname, const int32_t *value, int32_t *ialen,
-                 int32_t *ierror, tarvo_len_t compname_len);
+                 int32_t *ierror, tarvo_len_t compname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFAINT8GET(JHANDLE, COMPNAME, VALUE, IALEN, IERROR), PXFAINT8SET(...) */
 void pxfaint8get_(const int32_t *jhandle, const char *compname, int64_t *value, int32_t *ialen,
-                  int32_t *ierror, tarvo_len_t compname_len);
+                  int32_t *ierror, tarvo_len_t compname_len) TARVO_NOEXCEPT;
 void pxfaint8set_(const int32_t *jhandle, const char *compname, const int64_t *value, int32_t *ialen,
-                  int32_t *ierror, tarvo_len_t compname_len);
+                  int32_t *ierror, tarvo_len_t compname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFEINTGET(JHANDLE, COMPNAME, INDEX, VALUE, IERROR), PXFEINTSET(...) */
 void pxfeintget_(const int32_t *jhandle, const char *compname, const int32_t *index, int32_t *value,
-                 int32_t *ierror, tarvo_len_t compname_len);
+                 int32_t *ierror, tarvo_len_t compname_len) TARVO_NOEXCEPT;
 void pxfeintset_(const int32_t *jhandle, const char *compname, const int32_t *index, const int32_t *value,
-                 int32_t *ierror, tarvo_len_t compname_len);
+                 int32_t *ierror, tarvo_len_t compname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFSTRGET(JHANDLE, COMPNAME, VALUE, ILEN, IERROR): ILEN receives the length. */
 void pxfstrget_(const int32_t *jhandle, const char *compname, char *value, int32_t *ilen, int32_t *ierror,
-                tarvo_len_t compname_len, tarvo_len_t value_len);
+                tarvo_len_t compname_len, tarvo_len_t value_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFSTRSET(JHANDLE, COMPNAME, VALUE, ILEN, IERROR): the first ILEN characters,
  * or VALUE less its trailing blanks when ILEN is 0. */
 void pxfstrset_(const int32_t *jhandle, const char *compname, const char *value, const int32_t *ilen,
-                int32_t *ierror, tarvo_len_t compname_len, tarvo_len_t value_len);
+                int32_t *ierror, tarvo_len_t compname_len, tarvo_len_t value_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFESTRGET(JHANDLE, COMPNAME, INDEX, VALUE, ILEN, IERROR) */
 void pxfestrget_(const int32_t *jhandle, const char *compname, const int32_t *index, char *value,
-                 int32_t *ilen, int32_t *ierror, tarvo_len_t compname_len, tarvo_len_t value_len);
+                 int32_t *ilen, int32_t *ierror, tarvo_len_t compname_len, tarvo_len_t value_len) TARVO_NOEXCEPT;
 
 /* SUBROUTINE PXFGETSUBHANDLE(SUB, JHANDLE, IERROR): a handle for the procedure SUB. */
-void pxfgetsubhandle_(void (*sub)(void), int32_t *jhandle, int32_t *ierror);
+void pxfgetsubhandle_(void (*sub)(void), int32_t *jhandle, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFCALLSUBHANDLE(JHANDLE, IVAL, IERROR): calls the procedure with IVAL; the
  * procedure's INTEGER result is also the result here (0 when the handle names nothing). */
-int32_t pxfcallsubhandle_(const int32_t *jhandle, int32_t *ival, int32_t *ierror);
+int32_t pxfcallsubhandle_(const int32_t *jhandle, int32_t *ival, int32_t *ierror) TARVO_NOEXCEPT;
 
 /* Accessors of the kinds no structure has. Each stores ENONAME in IERROR and sets errno
  * to EINVAL, whatever the other arguments. Argument lists by form, after JHANDLE and
@@ -115,7 +115,7 @@ int32_t pxfcallsubhandle_(const int32_t *jhandle, int32_t *ival, int32_t *ierror
     TARVO_PXF_HEAD, const int32_t *index, T *value, int32_t *ilen, int32_t *ierror,   \
         tarvo_len_t compname_len, tarvo_len_t value_len
 
-#define TARVO_PXF_DECLARE_STUB(name, form, T) void name(TARVO_PXF_FORM_##form(T));
+#define TARVO_PXF_DECLARE_STUB(name, form, T) void name(TARVO_PXF_FORM_##form(T)) TARVO_NOEXCEPT;
 TARVO_PXF_STUB_ACCESSORS(TARVO_PXF_DECLARE_STUB)
 #undef TARVO_PXF_DECLARE_STUB
 
@@ -126,102 +126,102 @@ TARVO_PXF_STUB_ACCESSORS(TARVO_PXF_DECLARE_STUB)
 
 /* SUBROUTINE PXFOPEN(PATH, ILEN, IOPENFLAG, IMODE, IFILDES, IERROR) */
 void pxfopen_(const char *path, const int32_t *ilen, const int32_t *iopenflag, const int32_t *imode,
-              int32_t *ifildes, int32_t *ierror, tarvo_len_t path_len);
+              int32_t *ifildes, int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFCREAT(PATH, ILEN, IMODE, IFILDES, IERROR) */
 void pxfcreat_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ifildes, int32_t *ierror,
-               tarvo_len_t path_len);
+               tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFCHDIR(PATH, ILEN, IERROR) */
-void pxfchdir_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len);
+void pxfchdir_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFMKDIR(PATH, ILEN, IMODE, IERROR) */
-void pxfmkdir_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, tarvo_len_t path_len);
+void pxfmkdir_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFRMDIR(PATH, ILEN, IERROR) */
-void pxfrmdir_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len);
+void pxfrmdir_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFUNLINK(PATH, ILEN, IERROR) */
-void pxfunlink_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len);
+void pxfunlink_(const char *path, const int32_t *ilen, int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFACCESS(PATH, ILEN, IAMODE, IERROR) */
 void pxfaccess_(const char *path, const int32_t *ilen, const int32_t *iamode, int32_t *ierror,
-                tarvo_len_t path_len);
+                tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFCHMOD(PATH, ILEN, IMODE, IERROR) */
-void pxfchmod_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, tarvo_len_t path_len);
+void pxfchmod_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFLINK(EXISTING, LENEXIST, NEW, LENNEW, IERROR) */
 void pxflink_(const char *existing, const int32_t *lenexist, const char *created, const int32_t *lennew,
-              int32_t *ierror, tarvo_len_t existing_len, tarvo_len_t created_len);
+              int32_t *ierror, tarvo_len_t existing_len, tarvo_len_t created_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFRENAME(OLD, LENOLD, NEW, LENNEW, IERROR) */
 void pxfrename_(const char *old, const int32_t *lenold, const char *renamed, const int32_t *lennew,
-                int32_t *ierror, tarvo_len_t old_len, tarvo_len_t renamed_len);
+                int32_t *ierror, tarvo_len_t old_len, tarvo_len_t renamed_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFSTAT(PATH, ILEN, JSTAT, IERROR): JSTAT a "stat" instance. */
-void pxfstat_(const char *path, const int32_t *ilen, const int32_t *jstat, int32_t *ierror, tarvo_len_t path_len);
+void pxfstat_(const char *path, const int32_t *ilen, const int32_t *jstat, int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFUTIME(PATH, ILEN, JUTIMBUF, IERROR): PATH ends at its first blank, ILEN is
  * not used; JUTIMBUF a "utimbuf" instance, or 0 for the current time. */
 void pxfutime_(const char *path, const int32_t *ilen, const int32_t *jutimbuf, int32_t *ierror,
-               tarvo_len_t path_len);
+               tarvo_len_t path_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFPATHCONF(PATH, ILEN, NAME, IVAL, IERROR) */
 void pxfpathconf_(const char *path, const int32_t *ilen, const int32_t *name, int32_t *ival, int32_t *ierror,
-                  tarvo_len_t path_len);
+                  tarvo_len_t path_len) TARVO_NOEXCEPT;
 
 /* SUBROUTINE PXFOPENDIR(DIRNAME, LENDIRNAME, IDIRID, IERROR) */
 void pxfopendir_(const char *dirname, const int32_t *lendirname, int32_t *idirid, int32_t *ierror,
-                 tarvo_len_t dirname_len);
+                 tarvo_len_t dirname_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFREADDIR(IDIRID, JDIRENT, IERROR): 128 at the end of the stream. */
-void pxfreaddir_(const int32_t *idirid, const int32_t *jdirent, int32_t *ierror);
+void pxfreaddir_(const int32_t *idirid, const int32_t *jdirent, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFREWINDDIR(IDIRID, IERROR) */
-void pxfrewinddir_(const int32_t *idirid, int32_t *ierror);
+void pxfrewinddir_(const int32_t *idirid, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFCLOSEDIR(IDIRID, IERROR): IDIRID becomes 0. */
-void pxfclosedir_(int32_t *idirid, int32_t *ierror);
+void pxfclosedir_(int32_t *idirid, int32_t *ierror) TARVO_NOEXCEPT;
 
 /* SUBROUTINE PXFGETCWD(BUF, ILEN, IERROR): ILEN receives the length. */
-void pxfgetcwd_(char *buf, int32_t *ilen, int32_t *ierror, tarvo_len_t buf_len);
+void pxfgetcwd_(char *buf, int32_t *ilen, int32_t *ierror, tarvo_len_t buf_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFUMASK(ICMASK, IPREVCMASK, IERROR) */
-void pxfumask_(const int32_t *icmask, int32_t *iprevcmask, int32_t *ierror);
+void pxfumask_(const int32_t *icmask, int32_t *iprevcmask, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFFSTAT(IFILDES, JSTAT, IERROR) */
-void pxffstat_(const int32_t *ifildes, const int32_t *jstat, int32_t *ierror);
+void pxffstat_(const int32_t *ifildes, const int32_t *jstat, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFFPATHCONF(IFILDES, NAME, IVAL, IERROR) */
-void pxffpathconf_(const int32_t *ifildes, const int32_t *name, int32_t *ival, int32_t *ierror);
+void pxffpathconf_(const int32_t *ifildes, const int32_t *name, int32_t *ival, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFDUP(IFILDES, IFID, IERROR) */
-void pxfdup_(const int32_t *ifildes, int32_t *ifid, int32_t *ierror);
+void pxfdup_(const int32_t *ifildes, int32_t *ifid, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFDUP2(IFILDES, IFILDES2, IERROR): the new descriptor is the result. */
-int32_t pxfdup2_(const int32_t *ifildes, const int32_t *ifildes2, int32_t *ierror);
+int32_t pxfdup2_(const int32_t *ifildes, const int32_t *ifildes2, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFCLOSE(IFILDES, IERROR) */
-void pxfclose_(const int32_t *ifildes, int32_t *ierror);
+void pxfclose_(const int32_t *ifildes, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFREAD(IFILDES, BUF, NBYTE, NREAD, IERROR): -1 when an argument is absent. */
-void pxfread_(const int32_t *ifildes, void *buf, const int32_t *nbyte, int32_t *nread, int32_t *ierror);
+void pxfread_(const int32_t *ifildes, void *buf, const int32_t *nbyte, int32_t *nread, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFWRITE(IFILDES, BUF, NBYTE, NWRITTEN, IERROR) */
-void pxfwrite_(const int32_t *ifildes, const void *buf, const int32_t *nbyte, int32_t *nwritten, int32_t *ierror);
+void pxfwrite_(const int32_t *ifildes, const void *buf, const int32_t *nbyte, int32_t *nwritten, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFLSEEK(IFILDES, IOFFSET, IWHENCE, IPOSITION, IERROR) */
 void pxflseek_(const int32_t *ifildes, const int32_t *ioffset, const int32_t *iwhence, int32_t *iposition,
-               int32_t *ierror);
+               int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFPIPE(IREADFD, IWRITEFD, IERROR) */
-void pxfpipe_(int32_t *ireadfd, int32_t *iwritefd, int32_t *ierror);
+void pxfpipe_(int32_t *ireadfd, int32_t *iwritefd, int32_t *ierror) TARVO_NOEXCEPT;
 
 /* LOGICAL FUNCTION PXFISDIR(M), PXFISCHR, PXFISBLK, PXFISREG, PXFISFIFO: the file type in
  * a mode value (st_mode). */
-int32_t pxfisdir_(const int32_t *m);
-int32_t pxfischr_(const int32_t *m);
-int32_t pxfisblk_(const int32_t *m);
-int32_t pxfisreg_(const int32_t *m);
-int32_t pxfisfifo_(const int32_t *m);
+int32_t pxfisdir_(const int32_t *m) TARVO_NOEXCEPT;
+int32_t pxfischr_(const int32_t *m) TARVO_NOEXCEPT;
+int32_t pxfisblk_(const int32_t *m) TARVO_NOEXCEPT;
+int32_t pxfisreg_(const int32_t *m) TARVO_NOEXCEPT;
+int32_t pxfisfifo_(const int32_t *m) TARVO_NOEXCEPT;
 
 /* --- Fortran units as POSIX streams ------------------------------------------------ */
 
 /* SUBROUTINE PXFPOSIXIO(NEW, OLD, IERROR): IERROR is EINVAL whenever NEW is 0. */
-void pxfposixio_(const int32_t *inew, int32_t *iold, int32_t *ierror);
+void pxfposixio_(const int32_t *inew, int32_t *iold, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFFILENO(IUNIT, IFILDES, IERROR) */
-void pxffileno_(const int32_t *iunit, int32_t *ifildes, int32_t *ierror);
+void pxffileno_(const int32_t *iunit, int32_t *ifildes, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFFDOPEN(IFILDES, IUNIT, ACCESS, IERROR) */
 void pxffdopen_(const int32_t *ifildes, const int32_t *iunit, const char *access, int32_t *ierror,
-                tarvo_len_t access_len);
+                tarvo_len_t access_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFFFLUSH(IUNIT, IERROR) */
-void pxffflush_(const int32_t *iunit, int32_t *ierror);
+void pxffflush_(const int32_t *iunit, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFFSEEK(IUNIT, IOFFSET, IWHENCE, IERROR) */
-void pxffseek_(const int32_t *iunit, const int32_t *ioffset, const int32_t *iwhence, int32_t *ierror);
+void pxffseek_(const int32_t *iunit, const int32_t *ioffset, const int32_t *iwhence, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFFTELL(IUNIT, IOFFSET, IERROR) */
-void pxfftell_(const int32_t *iunit, int32_t *ioffset, int32_t *ierror);
+void pxfftell_(const int32_t *iunit, int32_t *ioffset, int32_t *ierror) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFGETC(CH, IERROR), PXFFGETC(IUNIT, CH, IERROR): EEND at the end of file. */
-void pxfgetc_(char *ch, int32_t *ierror, tarvo_len_t ch_len);
-void pxffgetc_(const int32_t *iunit, char *ch, int32_t *ierror, tarvo_len_t ch_len);
+void pxfgetc_(char *ch, int32_t *ierror, tarvo_len_t ch_len) TARVO_NOEXCEPT;
+void pxffgetc_(const int32_t *iunit, char *ch, int32_t *ierror, tarvo_len_t ch_len) TARVO_NOEXCEPT;
 /* SUBROUTINE PXFPUTC(CH, IERROR), PXFFPUTC(IUNIT, CH, IERROR) */
-void pxfputc_(const char *ch, int32_t *ierror, tarvo_len_t ch_len);
-void pxffputc_(const int32_t *iunit, const char *ch, int32_t *ierror, tarvo_len_t ch_len);
+void pxfputc_(const char *ch, int32_t *ierror, tarvo_len_t ch_len) TARVO_NOEXCEPT;
+void pxffputc_(const int32_t *iunit, const char *ch, int32_t *ierror, tarvo_len_t ch_len) TARVO_NOEXCEPT;
 
 #ifdef __cplusplus
 }

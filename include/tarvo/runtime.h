@@ -9,9 +9,9 @@ extern "C" {
 #endif
 
 /* SUBROUTINE FLUSHQQ(IUNIT): writes the unit's pending output; non-zero on success. */
-int32_t flushqq_(const int32_t *unit);
+int32_t flushqq_(const int32_t *unit) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION COMMITQQ(IUNIT): flushes the unit and commits it to storage. */
-int32_t commitqq_(const int32_t *unit);
+int32_t commitqq_(const int32_t *unit) TARVO_NOEXCEPT;
 
 #ifdef __cplusplus
 }
