@@ -24,11 +24,8 @@ protected:
     }
 };
 
-TEST_F(NativeUnits, ProcessWithoutGfortranUsesTheNativeTable) {
-    EXPECT_EQ(unit_backend(), UnitBackend::native);
-}
-
 TEST_F(NativeUnits, StandardUnitsArePreconnected) {
+    EXPECT_EQ(unit_backend(), UnitBackend::native);
     EXPECT_EQ(__quenvatix_d_gethandle(5, nullptr, nullptr), 0);
     EXPECT_EQ(__quenvatix_d_gethandle(6, nullptr, nullptr), 1);
     EXPECT_EQ(__quenvatix_d_gethandle(0, nullptr, nullptr), 2);
@@ -49,30 +46,21 @@ TEST_F(NativeUnits, AttachedUnitReadsWritesAndPositions) {
     EXPECT_EQ(__quenvatix_d_fseek_i8(20, -4, 1), 0);
     EXPECT_EQ(__quenvatix_d_readchar(20), 'y');
     EXPECT_EQ(read_file("data"), std::string("xyz!\xff"));
+    EXPECT_EQ(__quenvatix_d_fseek(20, -1, 0), -EINVAL);
+    EXPECT_EQ(__quenvatix_d_fseek(20, 0, 3), -EINVAL);  // only start, current and end
     close(fd);
+    EXPECT_EQ(__quenvatix_d_writechar(20, 'a'), -EBADF);  // descriptor closed under the unit
 }
 
-TEST_F(NativeUnits, SeekErrors) {
-    write_file("data", "abc");
-    const int fd = attach(21, "data", O_RDONLY, "r");
-    EXPECT_EQ(__quenvatix_d_fseek(21, -1, 0), -EINVAL);
-    EXPECT_EQ(__quenvatix_d_fseek(21, 0, 3), -EINVAL);  // only start, current and end
-    EXPECT_EQ(__quenvatix_d_fseek(22, 0, 0), -EBADF);
-    EXPECT_EQ(__quenvatix_d_curpos(22), -EBADF);
-    close(fd);
-}
-
-TEST_F(NativeUnits, CharacterErrorsAreNegatedErrorNumbers) {
+TEST_F(NativeUnits, ErrorsAreNegatedErrorNumbers) {
     write_file("data", "abc");
     const int fd = attach(23, "data", O_WRONLY, "w");
     EXPECT_EQ(__quenvatix_d_readchar(23), -EBADF);  // open for writing only
-    EXPECT_EQ(__quenvatix_d_readchar(24), -EBADF);  // not connected: an error, not end of file
+    // A unit that is not connected is an error, never end of file.
+    EXPECT_EQ(__quenvatix_d_readchar(24), -EBADF);
     EXPECT_EQ(__quenvatix_d_writechar(24, 'a'), -EBADF);
-    close(fd);
-    EXPECT_EQ(__quenvatix_d_writechar(23, 'a'), -EBADF);  // descriptor closed under the unit
-}
-
-TEST_F(NativeUnits, PipeCannotBePositioned) {
+    EXPECT_EQ(__quenvatix_d_fseek(24, 0, 0), -EBADF);
+    EXPECT_EQ(__quenvatix_d_curpos(24), -EBADF);
     int p[2];
     ASSERT_EQ(pipe(p), 0);
     ASSERT_EQ(for_fdopen(p[0], 30, "r", 1), 0);
@@ -83,18 +71,25 @@ TEST_F(NativeUnits, PipeCannotBePositioned) {
     EXPECT_EQ(__quenvatix_d_readchar(30), 'q');
     EXPECT_EQ(__quenvatix_d_readchar(30), kEndOfFile);
     close(p[0]);
+    close(fd);
 }
 
 TEST_F(NativeUnits, AttachChecksDescriptorAndAccessText) {
     write_file("data", "abc");
     const int ro = open(path("data").c_str(), O_RDONLY | O_CLOEXEC);
-    EXPECT_EQ(for_fdopen(ro, 31, "w", 1), EINVAL);       // not open for writing
-    EXPECT_EQ(for_fdopen(ro, 31, "rw?", 3), EINVAL);     // not an access text
+    EXPECT_EQ(for_fdopen(ro, 31, "w", 1), EINVAL);    // not open for writing
+    EXPECT_EQ(for_fdopen(ro, 31, "rw?", 3), EINVAL);  // not an access text
     EXPECT_EQ(for_fdopen(-1, 31, "r", 1), EBADF);
     EXPECT_EQ(__quenvatix_d_gethandle(31, nullptr, nullptr), -1);  // nothing attached
-    EXPECT_EQ(for_fdopen(ro, 31, "READ  ", 6), 0);       // action word, any case, blanks
+    EXPECT_EQ(for_fdopen(ro, 31, "READ  ", 6), 0);    // action word, any case, blanks
     EXPECT_EQ(__quenvatix_d_gethandle(31, nullptr, nullptr), ro);
-    EXPECT_EQ(for_fdopen(ro, 31, "   ", 3), 0);          // blank: as the descriptor was opened
+    EXPECT_EQ(for_fdopen(ro, 31, "   ", 3), 0);       // blank: as the descriptor was opened
+    for (std::int32_t unit = 100; unit < 200; ++unit) ASSERT_EQ(for_fdopen(ro, unit, "r", 1), 0);
+    for (std::int32_t unit = 100; unit < 200; ++unit) ASSERT_EQ(__quenvatix_d_gethandle(unit, nullptr, nullptr), ro);
+    const int other = dup(ro);
+    ASSERT_EQ(for_fdopen(other, 150, "rb", 2), 0);  // attaching again replaces
+    EXPECT_EQ(__quenvatix_d_gethandle(150, nullptr, nullptr), other);
+    close(other);
     close(ro);
 }
 
@@ -108,45 +103,25 @@ TEST_F(NativeUnits, AppendAccessPutsTheDescriptorInAppendMode) {
     close(fd);
 }
 
-TEST_F(NativeUnits, ManyUnitsCanBeAttachedAndReplaced) {
-    write_file("data", "abc");
-    const int fd = open(path("data").c_str(), O_RDONLY | O_CLOEXEC);
-    for (std::int32_t unit = 100; unit < 200; ++unit) ASSERT_EQ(for_fdopen(fd, unit, "r", 1), 0);
-    for (std::int32_t unit = 100; unit < 200; ++unit) ASSERT_EQ(__quenvatix_d_gethandle(unit, nullptr, nullptr), fd);
-    const int other = dup(fd);
-    ASSERT_EQ(for_fdopen(other, 150, "r", 1), 0);
-    EXPECT_EQ(__quenvatix_d_gethandle(150, nullptr, nullptr), other);
-    close(fd);
-    close(other);
-}
-
-TEST_F(NativeUnits, HandleReportsTheFileName) {
+TEST_F(NativeUnits, NameFlushAndCommit) {
     write_file("named", "");
-    const int fd = attach(40, "named", O_RDONLY, "r");
+    const int fd = attach(40, "named", O_WRONLY, "w");
     char name[256];
-    std::int32_t length = 255;
+    std::int32_t length = 255, short_length = 4;
     EXPECT_EQ(__quenvatix_d_gethandle(40, name, &length), fd);
     EXPECT_EQ(std::string(name, static_cast<std::size_t>(length)), path("named"));
-    std::int32_t short_length = 4;
     EXPECT_EQ(__quenvatix_d_gethandle(40, name, &short_length), fd);
     EXPECT_EQ(short_length, 4);  // cut to the capacity given
-    close(fd);
-}
-
-TEST_F(NativeUnits, FlushAndCommit) {
-    write_file("data", "");
-    const int fd = attach(41, "data", O_WRONLY, "w");
-    std::int32_t unit = 41, missing = 42;
-    EXPECT_NE(flushqq_(&unit), 0);
-    EXPECT_NE(commitqq_(&unit), 0);
-    EXPECT_EQ(flushqq_(&missing), 0);
-    EXPECT_EQ(commitqq_(&missing), 0);
-    EXPECT_EQ(flushqq_(nullptr), 0);
     int p[2];
     ASSERT_EQ(pipe(p), 0);
     ASSERT_EQ(for_fdopen(p[1], 43, "w", 1), 0);
-    std::int32_t piped = 43;
+    std::int32_t unit = 40, missing = 42, piped = 43;
+    EXPECT_NE(flushqq_(&unit), 0);
+    EXPECT_NE(commitqq_(&unit), 0);
     EXPECT_NE(commitqq_(&piped), 0);  // nothing to commit on a pipe, and no failure
+    EXPECT_EQ(flushqq_(&missing), 0);
+    EXPECT_EQ(commitqq_(&missing), 0);
+    EXPECT_EQ(flushqq_(nullptr), 0);
     close(p[0]);
     close(p[1]);
     close(fd);
