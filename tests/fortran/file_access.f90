@@ -7,7 +7,7 @@ program file_access
   character(len=4096) :: home, here
   character(len=3) :: tiny
   character(len=120) :: text
-  character(len=64) :: tty
+  character(len=TTYNAM_LEN) :: tty
   integer :: rc
 
   call execute_command_line('rm -rf file_access.d && mkdir file_access.d')
