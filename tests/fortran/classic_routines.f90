@@ -5,7 +5,7 @@ program classic_routines
   use tarvo_check
   implicit none
   integer(4) :: sb(13), tl(9), y, m, d
-  integer(8) :: sb8(13)
+  integer(8) :: sb8(13) = 77
   integer(2) :: y2, m2, d2
   character(len=1) :: ch
   character(len=200) :: value, env, line
@@ -14,7 +14,6 @@ program classic_routines
   ! Status arrays: FSTAT flushes what WRITE buffered; element 13 is never written.
   open (10, file='classic.bin', status='replace', access='stream', form='unformatted')
   write (10) 'abc'
-  sb8 = 77
   call check_int('fstat (INTEGER(8))', fstat(10, sb8), 0)
   call check_int8('fstat size', sb8(8) + sb8(13), 80_8)
   call check_int('stat of a missing file', stat('no-such-file', sb), 2)
