@@ -3,7 +3,7 @@ program pxf_files
   use tarvo_posix
   use tarvo_check
   implicit none
-  integer(4) :: ierror, fd, idirid, entries, jstat = 0, jdirent = 0
+  integer(4) :: ierror, fd, jstat = 0
   integer(8) :: size
   character(len=40) :: line
   character(len=1) :: ch
@@ -40,21 +40,10 @@ program pxf_files
   close (31)
   call pxfclose(fd, ierror)
 
-  call pxfstructcreate('dirent', jdirent, ierror)
-  call pxfopendir('.', 0, idirid, ierror)
-  do entries = 0, 9
-    call pxfreaddir(idirid, jdirent, ierror)
-    if (ierror /= 0) exit
-  end do
-  call check_int('end of the directory', ierror, EENDDIR)
-  call check_int('entries listed', entries, 3)
-  call pxfclosedir(idirid, ierror)
-
   call pxfunlink('unit.txt', 0, ierror)
   call pxfchdir('..', 0, ierror)
   call pxfrmdir('pxf_files.d', 0, ierror)
   call check_int('pxfrmdir', ierror, 0)
-  call pxfstructfree(jdirent, ierror)
   call pxfstructfree(jstat, ierror)
   call checks_done('pxf_files')
 end program pxf_files

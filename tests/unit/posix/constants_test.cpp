@@ -54,11 +54,7 @@ TEST(ConstantTable, EveryRowAnswersItsValueInEitherCase) {
 }
 
 TEST(ConstantTable, NamesEndAtABlankOrTheirLengthAndMatchWhole) {
-    const struct {
-        const char* text;
-        std::size_t length;
-        Answer answer;
-    } cases[] = {
+    const struct { const char* text; std::size_t length; Answer answer; } cases[] = {
         {"O_WRONLY and more", 17, known(O_WRONLY)}, {"O_RDWR\0xyz", 10, known(O_RDWR)},
         {"O_RDWRX", 6, known(O_RDWR)},  // the hidden length ends the name
         {"EEND", 4, known(-1)}, {"SIG_ERR", 7, known(-1)},  // -1 also means unknown to IPXFCONST

@@ -17,12 +17,7 @@ using tarvo_test::FString;
 // Every field a caller can reach, with the width it must hold (in bytes for integers, in
 // characters plus terminator for texts kept inside the instance, 0 for owned texts).
 enum class Kind { int4, int8, text, owned };
-struct Expected {
-    const char* type;
-    Kind kind;
-    std::vector<const char*> fields;
-    std::size_t capacity = 0;
-};
+struct Expected { const char* type; Kind kind; std::vector<const char*> fields; std::size_t capacity = 0; };
 const Expected kFields[] = {
     {"sigaction", Kind::int4, {"sa_handler", "sa_mask", "sa_flags"}},
     {"tms", Kind::int8, {"tms_utime", "tms_stime", "tms_cutime", "tms_cstime"}},
@@ -157,12 +152,7 @@ TEST(FieldTexts, TruncationAndLengths) {
         EXPECT_EQ(errno, ierror ? ERANGE : 0);
     }
     // What PXFSTRSET takes: ILEN characters, or the text without its trailing blanks.
-    const struct {
-        std::string value;
-        std::int32_t ilen;
-        std::int32_t ierror;
-        std::string stored;
-    } cases[] = {
+    const struct { std::string value; std::int32_t ilen, ierror; std::string stored; } cases[] = {
         {"abc   ", 0, 0, "abc"},       {"  ab  ", 0, 0, "  ab"},  {"abcdef", 3, 0, "abc"},
         {"ab    ", 4, 0, "ab  "},      {"      ", 0, 0, ""},      {"abc", 4, EINVAL, "abc"},
         {"abc", -1, EINVAL, "abc"},    {std::string(64, 'x'), 0, 0, std::string(64, 'x')},

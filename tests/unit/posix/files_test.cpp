@@ -32,12 +32,8 @@ std::set<std::string> entries(const std::string& where = ".") {
 class Files : public tarvo_test::ScratchDirTest {};
 
 TEST_F(Files, PathArgumentRule) {
-    const struct {
-        std::string text;  // PATH's bytes, of declared length `hidden`
-        std::size_t hidden;
-        std::int32_t ilen;
-        std::string created;
-    } cases[] = {
+    // PATH's bytes with its declared length, ILEN, and the name of the file created.
+    const struct { std::string text; std::size_t hidden; std::int32_t ilen; std::string created; } cases[] = {
         {"abc   ", 6, 0, "abc"}, {"abc   ", 6, 4, "abc "}, {"ab\t\n \v", 6, 0, "ab"},  // any white space
         {"    ", 4, 0, " "}, {" x  ", 4, 0, " x"}, {"abcdefgh", 3, 5, "abcde"},    // ILEN as it is
         {std::string("ab\0cd", 5), 5, 5, "ab"}, {"a" + std::string(70, ' '), 71, 0, "a"},
