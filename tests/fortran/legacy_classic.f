@@ -21,7 +21,6 @@ C     the lengths and kinds the old programs declare.
       CALL CHECK_INT('FGETC AT END', FGETC(11, CH), -1)
       CALL CHECK_INT('END OF FILE RECORDS NOTHING', IERRNO(), 0)
       CLOSE (11, STATUS='DELETE')
-      CALL CHECK_INT('FSTAT CLOSED', FSTAT(11, SB), 22)
 
 C     A CHARACTER*8 DATE takes the mm/dd/yy form; CTIME keeps its newline.
       TEXT = DATE()

@@ -30,6 +30,7 @@ C     ILEN 14 takes 'legacy.d/a.dat', not the rest of the text.
         GOTO 10
       END IF
       CALL CHECK_INT('entries', COUNT, 3)
+      CALL CHECK_INT('end of the directory', IERR, 128)
       CALL PXFCLOSEDIR(JDIR, IERR)
       CALL PXFUNLINK('legacy.d/a.dat', 0, IERR)
       CALL PXFRMDIR('legacy.d', 0, IERR)

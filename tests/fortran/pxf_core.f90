@@ -5,22 +5,18 @@ program pxf_core
   use tarvo_check
   implicit none
   integer(4), external :: doubled
-  integer(4) :: ival, ierror, jstat, jcopy, jterm, jgroup, jsub, ialen, i, ilen
-  integer(4) :: cc(40), back(40)
+  integer(4) :: ival, ierror, jsub, i, ilen, cc(40), back(40), ialen = 40
+  integer(4) :: jstat = 0, jcopy = 0, jterm = 0, jgroup = 0
   integer(8) :: big
-  character(len=2) :: short
   character(len=16) :: text
   real(8) :: d
 
   call pxfconst('sig_block   ', ival, ierror)
-  call check_int('pxfconst sig_block', ierror, 0)
-  call check_int('ipxfconst SIG_BLOCK', ipxfconst('SIG_BLOCK more words'), ival)
+  call check_int('pxfconst sig_block', ival, ipxfconst('SIG_BLOCK more words'))
   call check_int('ipxfconst ENONAME', ipxfconst('ENONAME'), ENONAME)
-  call check_true('pxfisconst EEND', pxfisconst('EEND'))
-  call check_false('pxfisconst ENAMETOOLONG', pxfisconst('ENAMETOOLONG'))
+  call check_true('pxfisconst EEND, not ENAMETOOLONG', pxfisconst('EEND') .and. .not. pxfisconst('ENAMETOOLONG'))
 
-  jstat = 0
-  jcopy = 0
+  ! An INTEGER(8) field too wide for INTEGER(4), and copied.
   call pxfstructcreate(PXF_STAT, jstat, ierror)
   call pxfstructcreate('STAT', jcopy, ierror)
   call check_int('create stat', ierror, 0)
@@ -31,12 +27,10 @@ program pxf_core
   call pxfint8get(jcopy, 'ST_SIZE', big, ierror)
   call check_int8('copied st_size', big, 3_8 * 1024_8**3)
 
-  ! "termios" control characters: IALEN beyond NCCS is cut to it
+  ! "termios" control characters: IALEN beyond NCCS is cut to it.
   cc = [(3 * i, i = 1, 40)]
   back = -1
-  jterm = 0
   call pxfstructcreate(PXF_TERMIOS, jterm, ierror)
-  ialen = 40
   call pxfaintset(jterm, 'c_cc', cc, ialen, ierror)
   call check_int('aintset beyond NCCS', ierror, EARRAYLEN)
   call check_int('ialen cut to NCCS', ialen, ipxfconst('NCCS'))
@@ -45,15 +39,11 @@ program pxf_core
   call pxfeintget(jterm, 'c_cc', 2, ival, ierror)
   call check_int('eintget element 2', ival, 6)
 
-  jgroup = 0
   call pxfstructcreate('group', jgroup, ierror)
   call pxfstrset(jgroup, 'gr_name', 'wheel   ', 0, ierror)
   call pxfstrget(jgroup, 'gr_name', text, ilen, ierror)
   call check_str('strget gr_name', text, 'wheel')
   call check_int('gr_name length', ilen, 5)
-  call pxfstrget(jgroup, 'gr_name', short, ilen, ierror)
-  call check_int('strget into 2 characters', ierror, ETRUNC)
-  call check_str('first two characters', short, 'wh')
 
   call pxfgetsubhandle(doubled, jsub, ierror)
   ival = 21
@@ -67,8 +57,6 @@ program pxf_core
   call pxfstructfree(jcopy, ierror)
   call pxfstructfree(jstat, ierror)
   call check_int('handle cleared', jstat, 0)
-  call pxfstructfree(jstat, ierror)
-  call check_int('free twice', ierror, ENOHANDLE)
   call checks_done('pxf_core')
 end program pxf_core
 

@@ -3,9 +3,8 @@ program pxf_files
   use tarvo_posix
   use tarvo_check
   implicit none
-  integer(4) :: ierror, fd, jstat, jdirent, idirid, ilen, entries
+  integer(4) :: ierror, fd, jstat = 0
   integer(8) :: size
-  character(len=256) :: name
   character(len=40) :: line
   character(len=1) :: ch
 
@@ -20,7 +19,6 @@ program pxf_files
   call check_true('pxffileno of an OPEN unit', ierror == 0 .and. fd > 2)
   write (30, '(a)') 'two'
   call pxffflush(30, ierror)
-  jstat = 0
   call pxfstructcreate('stat', jstat, ierror)
   call pxffstat(fd, jstat, ierror)
   call pxfint8get(jstat, 'st_size', size, ierror)
@@ -42,26 +40,10 @@ program pxf_files
   close (31)
   call pxfclose(fd, ierror)
 
-  ! Listing the directory.
-  jdirent = 0
-  call pxfstructcreate('dirent', jdirent, ierror)
-  call pxfopendir('.', 0, idirid, ierror)
-  entries = 0
-  do
-    call pxfreaddir(idirid, jdirent, ierror)
-    if (ierror /= 0) exit
-    call pxfstrget(jdirent, 'd_name', name, ilen, ierror)
-    entries = entries + 1
-  end do
-  call check_int('end of the directory', ierror, EENDDIR)
-  call check_int('entries listed', entries, 3)
-  call pxfclosedir(idirid, ierror)
-
   call pxfunlink('unit.txt', 0, ierror)
   call pxfchdir('..', 0, ierror)
   call pxfrmdir('pxf_files.d', 0, ierror)
   call check_int('pxfrmdir', ierror, 0)
-  call pxfstructfree(jdirent, ierror)
   call pxfstructfree(jstat, ierror)
   call checks_done('pxf_files')
 end program pxf_files

@@ -26,25 +26,21 @@ protected:
     }
 };
 
-// The second of the clock, or -1 while time() (a coarse clock) and the precise clock
-// disagree about it, as they can for a few milliseconds after a second begins.
-std::time_t steady_second() {
-    timespec precise{};
-    clock_gettime(CLOCK_REALTIME, &precise);
-    const std::time_t coarse = std::time(nullptr);
-    return coarse == precise.tv_sec ? coarse : -1;
-}
-
-// Calls fn until both clocks stayed in one second during the call; local receives it.
+// Calls fn until the second of the clock stayed the same during the call, by both time()
+// (a coarse clock) and the precise clock, which disagree for a few milliseconds after a
+// second begins; local receives that second.
 template <class F>
 auto within_one_second(F fn, std::tm& local) {
+    const auto second = [] {
+        timespec precise{};
+        clock_gettime(CLOCK_REALTIME, &precise);
+        const std::time_t coarse = std::time(nullptr);
+        return coarse == precise.tv_sec ? coarse : -1;
+    };
     for (;;) {
-        const std::time_t before = steady_second();
+        const std::time_t before = second();
         auto got = fn();
-        if (before != -1 && steady_second() == before) {
-            localtime_r(&before, &local);
-            return got;
-        }
+        if (before != -1 && second() == before) return localtime_r(&before, &local), got;
     }
 }
 
@@ -98,19 +94,19 @@ TEST_F(TimeAndDate, ConversionsOfGivenInstantsMatchTheHost) {
         ltime_(&s, lt.data());
         gmtime_(&s, gt.data());
         const auto fields = [](const std::tm& x, int day_base) {
-            return std::array<std::int32_t, 9>{x.tm_sec,  x.tm_min,  x.tm_hour,            x.tm_mday, x.tm_mon,
-                                               x.tm_year, x.tm_wday, x.tm_yday + day_base, x.tm_isdst};
+            return std::array{x.tm_sec, x.tm_min, x.tm_hour, x.tm_mday, x.tm_mon, x.tm_year, x.tm_wday,
+                              x.tm_yday + day_base, x.tm_isdst};
         };
         EXPECT_EQ(lt, fields(local, 1)) << s;  // day of the year from 1
         EXPECT_EQ(gt, fields(utc, 0)) << s;    // and from 0
+        // The newline is the 25th character; cutting it off is reported.
         char host[32];
         const std::string text = ctime_r(&t, host);
         FString wide(30, 'x'), exact(24, 'x');
         ctime_(wide.data(), wide.size(), &s);
-        EXPECT_EQ(wide.text, text + "     ");  // the newline is the 25th character
         errno = 0;
         ctime_(exact.data(), exact.size(), &s);
-        EXPECT_EQ(exact.text + std::to_string(errno), text.substr(0, 24) + "22");  // cutting it is reported
+        EXPECT_EQ(wide.text + exact.text + std::to_string(errno), text + "     " + text.substr(0, 24) + "22");
     }
 }
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <tuple>
 
 #include "frame/errors.h"
 #include "runtime/errsns.h"
@@ -15,35 +16,28 @@
 
 namespace {
 
+using std::tuple;
+
 class UnitIo : public tarvo_test::ScratchDirTest {};
 
+// Results compare as braced tuples, which are evaluated left to right.
 TEST_F(UnitIo, CharactersAndPositionsOnAConnectedUnit) {
     write_file("data", "abc");
     ASSERT_EQ(runtime::for_fdopen(open("data", O_RDWR), 30, "r+", 2), 0);
     const std::int32_t u = 30, zero = 0, end = 2, current = 1, before_start = -1;
     const std::int64_t back4 = -4, far = 5LL << 30;
     char ch = ' ';
-    EXPECT_EQ(fgetc_(&u, &ch, 1), 0);
-    EXPECT_EQ(ch, 'a');
-    EXPECT_EQ(ftell_(&u) + getposi8_(&u), 2);
+    EXPECT_EQ((tuple{fgetc_(&u, &ch, 1), ch, ftell_(&u), getposi8_(&u)}), tuple(0, 'a', 1, 1));
     frame::set_portlib_local_errno(5);
-    EXPECT_EQ(fseek_(&u, &zero, &end), 0);
-    EXPECT_EQ(ierrno_(), 0);  // a successful seek stores its 0
+    EXPECT_EQ((tuple{fseek_(&u, &zero, &end), ierrno_()}), tuple(0, 0));  // a successful seek stores its 0
     frame::set_portlib_local_errno(5);
-    EXPECT_EQ(fgetc_(&u, &ch, 1), -1);
-    EXPECT_EQ(ch, 'a');       // end of file leaves the character
-    EXPECT_EQ(ierrno_(), 5);  // and records nothing
-    EXPECT_EQ(fputc_(&u, "d", 1), 0);
-    EXPECT_EQ(ftelli8_(&u), 4);
-    EXPECT_EQ(fseeki8_(&u, &back4, &current), 0);
-    EXPECT_EQ(fgetc_(&u, &ch, 1), 0);
-    EXPECT_EQ(ch, 'a');
-    EXPECT_EQ(fseek_(&u, &before_start, &zero), EINVAL);
-    EXPECT_EQ(ierrno_(), EINVAL);
-    EXPECT_EQ(fseeki8_(&u, &far, &zero), 0);
-    EXPECT_EQ(ftelli8_(&u), far);
-    EXPECT_EQ(ftell_(&u), 1 << 30);  // the low 32 bits
-    EXPECT_EQ(getpos_(&u), 1 << 30);
+    EXPECT_EQ((tuple{fgetc_(&u, &ch, 1), ch, ierrno_()}), tuple(-1, 'a', 5));  // end of file: nothing changes
+    EXPECT_EQ((tuple{fputc_(&u, "d", 1), ftelli8_(&u), fseeki8_(&u, &back4, &current), fgetc_(&u, &ch, 1), ch}),
+              tuple(0, 4, 0, 0, 'a'));
+    EXPECT_EQ((tuple{fseek_(&u, &before_start, &zero), ierrno_()}), tuple(EINVAL, EINVAL));
+    // The INTEGER(4) positions keep the low 32 bits.
+    EXPECT_EQ((tuple{fseeki8_(&u, &far, &zero), ftelli8_(&u), ftell_(&u), getpos_(&u)}),
+              tuple(0, far, 1 << 30, 1 << 30));
     EXPECT_NE(flush_(&u), 0);
     EXPECT_EQ(read_file("data"), "abcd");
 }
@@ -53,15 +47,12 @@ TEST_F(UnitIo, UnitsThatAreNotOpenGiveTheDescribedErrors) {
     char ch = 'q';
     for (const std::int32_t* unit : {&u, static_cast<const std::int32_t*>(nullptr)}) {
         frame::set_portlib_local_errno(0);
-        EXPECT_EQ(fgetc_(unit, &ch, 1), EINVAL);
-        EXPECT_EQ(errno + runtime::last_recorded_error(), 2 * EINVAL);
-        EXPECT_EQ(fputc_(unit, "x", 1), EINVAL);
-        EXPECT_EQ(fseek_(unit, &zero, &zero), EBADF);
-        frame::set_portlib_local_errno(0);
-        EXPECT_EQ(getpos_(unit) + getposi8_(unit) + flush_(unit), -2 * EBADF);
-        EXPECT_EQ(ierrno_(), 0);  // GETPOS and FLUSH record nothing
-        EXPECT_EQ(ftell_(unit), -EBADF);
-        EXPECT_EQ(ierrno_(), EBADF);
+        EXPECT_EQ((tuple{fgetc_(unit, &ch, 1), errno, runtime::last_recorded_error(), fputc_(unit, "x", 1),
+                         fseek_(unit, &zero, &zero)}),
+                  tuple(EINVAL, EINVAL, EINVAL, EINVAL, EBADF));
+        frame::set_portlib_local_errno(0);  // GETPOS and FLUSH record nothing
+        EXPECT_EQ((tuple{getpos_(unit), getposi8_(unit), flush_(unit), ierrno_(), ftell_(unit), ierrno_()}),
+                  tuple(-EBADF, -EBADF, 0, 0, -EBADF, EBADF));
     }
     EXPECT_EQ(ch, 'q');
 }

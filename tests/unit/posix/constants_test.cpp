@@ -13,52 +13,39 @@
 #include <cctype>
 #include <cstdint>
 #include <string>
+#include <tuple>
 
 #include "support/support.h"
 #include <tarvo/posix.h>
 
 namespace {
 
-struct Answer {
-    std::int32_t ival;
-    std::int32_t ierror;
-};
+// What PXFCONST (IVAL, IERROR and the errno it leaves), IPXFCONST and PXFISCONST answer.
+using Answer = std::tuple<std::int32_t, std::int32_t, int, std::int32_t, std::int32_t>;
 
-Answer lookup(const std::string& name, std::size_t padded = 32) {
-    tarvo_test::FString text(name, std::max(padded, name.size()));
-    Answer a{12345, 12345};
-    pxfconst_(text.data(), &a.ival, &a.ierror, text.size());
-    return a;
+Answer lookup(const char* name, std::size_t length) {
+    std::int32_t ival = 12345, ierror = 12345;
+    errno = 0;
+    pxfconst_(name, &ival, &ierror, length);
+    return {ival, ierror, errno, ipxfconst_(name, length), pxfisconst_(name, length)};
 }
 
+Answer known(std::int32_t value) { return {value, 0, 0, value, TARVO_TRUE}; }
+const Answer kUnknown{-1, TARVO_ENONAME, 0, -1, TARVO_FALSE};  // an unknown name is no system error
+
+// NAME padded with blanks and in lower case, exactly as long as it is.
 void expect_value(const std::string& name, std::int32_t value) {
     std::string lower = name;
     std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
-    for (const std::string& form : {name, lower}) {
-        const Answer a = lookup(form);
-        EXPECT_EQ(a.ierror, 0) << form;
-        EXPECT_EQ(a.ival, value) << form;
-        EXPECT_EQ(ipxfconst_(form.data(), form.size()), value) << form;
-        EXPECT_EQ(pxfisconst_(form.data(), form.size()), TARVO_TRUE) << form;
-    }
-}
-
-void expect_unknown(const std::string& name, std::size_t hidden) {
-    std::int32_t ival = 7, ierror = 7;
-    errno = 0;
-    pxfconst_(name.data(), &ival, &ierror, hidden);
-    EXPECT_EQ(ierror, TARVO_ENONAME) << name;
-    EXPECT_EQ(ival, -1) << name;
-    EXPECT_EQ(errno, 0) << name;  // an unknown name is not a system error
-    EXPECT_EQ(ipxfconst_(name.data(), hidden), -1) << name;
-    EXPECT_EQ(pxfisconst_(name.data(), hidden), TARVO_FALSE) << name;
+    for (const std::string& form : {tarvo_test::FString(name, name.size() + 20).text, lower})
+        EXPECT_EQ(lookup(form.data(), form.size()), known(value)) << form;
 }
 
 TEST(ConstantTable, EveryRowAnswersItsValueInEitherCase) {
     int rows = 0;
 #define PXF_HOST(NAME) ++rows, expect_value(#NAME, static_cast<std::int32_t>((std::intptr_t)(NAME)));
 #define PXF_OWN(NAME, VALUE) ++rows, expect_value(#NAME, VALUE);
-#define PXF_UNREACHABLE(TEXT, VALUE) ++rows, expect_unknown(TEXT, sizeof TEXT - 1);
+#define PXF_UNREACHABLE(TEXT, VALUE) ++rows; EXPECT_EQ(lookup(TEXT, sizeof TEXT - 1), kUnknown) << TEXT;
 #include "posix/constants.def"
 #undef PXF_HOST
 #undef PXF_OWN
@@ -66,46 +53,20 @@ TEST(ConstantTable, EveryRowAnswersItsValueInEitherCase) {
     EXPECT_EQ(rows, 265);  // the three names Linux lacks drop out
 }
 
-TEST(ConstantTable, MinusOneAndTheTopBit) {
-    // -1 is also the answer for an unknown name: only PXFCONST tells them apart.
-    EXPECT_EQ(ipxfconst_("EEND", 4), -1);
-    EXPECT_EQ(ipxfconst_("SIG_ERR", 7), -1);
-    EXPECT_EQ(lookup("ENONAME").ival, 126);  // the binding's codes are fixed, not the host's
-    EXPECT_EQ(ipxfconst_("CRTSCTS", 7), INT32_MIN);  // 0x80000000 read as signed
-}
-
-TEST(ConstantTable, NameIsCutAtItsFirstBlank) {
-    expect_value("sig_block", SIG_BLOCK);
-    EXPECT_EQ(lookup("O_WRONLY and more").ival, O_WRONLY);
-    EXPECT_EQ(lookup("O_WRONLY and more").ierror, 0);
-    const char embedded[] = "O_RDWR\0xyz";
-    Answer a{};
-    pxfconst_(embedded, &a.ival, &a.ierror, sizeof embedded - 1);
-    EXPECT_EQ(a.ierror, 0);
-    EXPECT_EQ(a.ival, O_RDWR);
-    pxfconst_("O_RDWRX", &a.ival, &a.ierror, 6);  // the hidden length ends the name
-    EXPECT_EQ(a.ival, O_RDWR);
-}
-
-TEST(ConstantTable, UnknownNamesGiveEnoname) {
-    for (const char* name : {"", "      ", " O_RDONLY", "O_RDONL", "O_RDONLYX", "ENAMETOOLONG", "ENAMETOOLONG   ",
-                             "_SC_COLL_WEIGHTS_MAXIMUM_AND_THEN_SOME", "O_RDONLY_", "\xC3\x89IO"})
-        expect_unknown(name, std::char_traits<char>::length(name));
-    expect_unknown("SIGHUP", 0);
-    expect_unknown("SIGHUP", static_cast<std::size_t>(-4));
-    expect_unknown(std::string(), 0);
-    std::int32_t ival, ierror;
-    pxfconst_(nullptr, &ival, &ierror, 6);
-    EXPECT_EQ(ierror, TARVO_ENONAME);
-#ifndef SIGEMT
-    expect_unknown("SIGEMT", 6);
-#endif
-#ifndef SIGINFO
-    expect_unknown("SIGINFO", 7);
-#endif
-#ifndef _SYS_NAMELEN
-    expect_unknown("_SYS_NAMELEN", 12);
-#endif
+TEST(ConstantTable, NamesEndAtABlankOrTheirLengthAndMatchWhole) {
+    const struct { const char* text; std::size_t length; Answer answer; } cases[] = {
+        {"O_WRONLY and more", 17, known(O_WRONLY)}, {"O_RDWR\0xyz", 10, known(O_RDWR)},
+        {"O_RDWRX", 6, known(O_RDWR)},  // the hidden length ends the name
+        {"EEND", 4, known(-1)}, {"SIG_ERR", 7, known(-1)},  // -1 also means unknown to IPXFCONST
+        {"ENONAME", 7, known(126)},                         // the binding's codes are fixed, not the host's
+        {"CRTSCTS", 7, known(INT32_MIN)},                   // 0x80000000 read as signed
+        {"", 0, kUnknown}, {"      ", 6, kUnknown}, {" O_RDONLY", 9, kUnknown}, {"O_RDONL", 7, kUnknown},
+        {"O_RDONLYX", 9, kUnknown}, {"O_RDONLY_", 9, kUnknown}, {"ENAMETOOLONG   ", 15, kUnknown},
+        {"_SC_COLL_WEIGHTS_MAXIMUM_AND_THEN_SOME", 38, kUnknown}, {"\xC3\x89IO", 4, kUnknown},
+        {"SIGHUP", 0, kUnknown}, {"SIGHUP", static_cast<std::size_t>(-4), kUnknown}, {nullptr, 6, kUnknown},
+        {"SIGEMT", 6, kUnknown}, {"SIGINFO", 7, kUnknown}, {"_SYS_NAMELEN", 12, kUnknown},  // names Linux lacks
+    };
+    for (const auto& c : cases) EXPECT_EQ(lookup(c.text, c.length), c.answer) << (c.text ? c.text : "null");
 }
 
 }  // namespace

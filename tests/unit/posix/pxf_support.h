@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <string>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include "frame/handles.h"
@@ -11,75 +13,86 @@
 #include "support/support.h"
 #include <tarvo/posix.h>
 
+// Several results compared at once, read left to right (a braced list fixes the order), so a
+// call's output arguments can follow the call: VALUES(get(h, f, v), v).
+#define VALUES(...) (std::tuple{__VA_ARGS__})
+
 namespace pxf_test {
 
-inline std::int32_t create(const std::string& type, std::int32_t& handle) {
+// Stands for IERROR among the arguments given to ierror_of.
+struct IerrorArgument {};
+inline constexpr IerrorArgument kIerror{};
+
+// ROUTINE(ARGS...) with kIerror standing for IERROR: the IERROR the routine stores.
+template <class F, class... A>
+std::int32_t ierror_of(F routine, A... args) {
     std::int32_t ierror = -99;
-    pxfstructcreate_(type.data(), &handle, &ierror, type.size());
+    const auto pass = [&ierror](auto arg) {
+        if constexpr (std::is_same_v<decltype(arg), IerrorArgument>) return &ierror;
+        else return arg;
+    };
+    routine(pass(args)...);
     return ierror;
 }
 
-inline std::int32_t free_instance(std::int32_t& handle) {
-    std::int32_t ierror = -99;
-    pxfstructfree_(&handle, &ierror);
-    return ierror;
+inline std::int32_t create(const std::string& type, std::int32_t& handle) {
+    return ierror_of(pxfstructcreate_, type.data(), &handle, kIerror, type.size());
 }
+
+inline std::int32_t free_instance(std::int32_t& handle) { return ierror_of(pxfstructfree_, &handle, kIerror); }
 
 inline std::int32_t copy(const std::string& type, std::int32_t from, std::int32_t to) {
-    std::int32_t ierror = -99;
-    pxfstructcopy_(type.data(), &from, &to, &ierror, type.size());
-    return ierror;
+    return ierror_of(pxfstructcopy_, type.data(), &from, &to, kIerror, type.size());
 }
 
 // An instance for the length of a scope.
 struct Instance {
     std::int32_t handle = 0;
     explicit Instance(const std::string& type) { EXPECT_EQ(create(type, handle), 0) << type; }
-    ~Instance() {
-        if (handle != 0) {
-            EXPECT_EQ(free_instance(handle), 0);
-        }
-    }
+    ~Instance() { EXPECT_EQ(handle == 0 ? 0 : free_instance(handle), 0); }
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 };
 
-template <class T>
-std::int32_t get(std::int32_t handle, const std::string& field, T& value) {
-    std::int32_t ierror = -99;
-    if constexpr (sizeof(T) == 8) pxfint8get_(&handle, field.data(), &value, &ierror, field.size());
-    else pxfintget_(&handle, field.data(), &value, &ierror, field.size());
-    return ierror;
+// ROUTINE(HANDLE, FIELD, VALUE..., IERROR) with FIELD's hidden length.
+template <class F, class... V>
+std::int32_t field_call(F routine, std::int32_t handle, const std::string& field, V... value) {
+    return ierror_of(routine, &handle, field.data(), value..., kIerror, field.size());
 }
 
-template <class T>
-std::int32_t set(std::int32_t handle, const std::string& field, T value) {
-    std::int32_t ierror = -99;
-    if constexpr (sizeof(T) == 8) pxfint8set_(&handle, field.data(), &value, &ierror, field.size());
-    else pxfintset_(&handle, field.data(), &value, &ierror, field.size());
-    return ierror;
+// The integer fields, in either kind.
+inline std::int32_t get(std::int32_t handle, const std::string& field, std::int32_t& value) {
+    return field_call(pxfintget_, handle, field, &value);
+}
+inline std::int32_t get(std::int32_t handle, const std::string& field, std::int64_t& value) {
+    return field_call(pxfint8get_, handle, field, &value);
+}
+inline std::int32_t set(std::int32_t handle, const std::string& field, std::int32_t value) {
+    return field_call(pxfintset_, handle, field, &value);
+}
+inline std::int32_t set(std::int32_t handle, const std::string& field, std::int64_t value) {
+    return field_call(pxfint8set_, handle, field, &value);
 }
 
 inline std::int32_t get_text(std::int32_t handle, const std::string& field, tarvo_test::FString& value,
                              std::int32_t& ilen) {
-    std::int32_t ierror = -99;
-    pxfstrget_(&handle, field.data(), value.data(), &ilen, &ierror, field.size(), value.size());
-    return ierror;
+    return ierror_of(pxfstrget_, &handle, field.data(), value.data(), &ilen, kIerror, field.size(), value.size());
 }
 
 inline std::int32_t set_text(std::int32_t handle, const std::string& field, const std::string& value,
                              std::int32_t ilen = 0) {
-    std::int32_t ierror = -99;
-    pxfstrset_(&handle, field.data(), value.data(), &ilen, &ierror, field.size(), value.size());
-    return ierror;
+    return ierror_of(pxfstrset_, &handle, field.data(), value.data(), &ilen, kIerror, field.size(), value.size());
 }
 
-// The text a field holds, or "<ierror>" when it cannot be read.
+// A text read into VALUE: its first ILEN characters, or "<ierror>" when it could not be read.
+inline std::string text_or_error(std::int32_t ierror, const tarvo_test::FString& value, const std::int32_t& ilen) {
+    return ierror == 0 ? value.text.substr(0, static_cast<std::size_t>(ilen)) : "<" + std::to_string(ierror) + ">";
+}
+
 inline std::string text_of(std::int32_t handle, const std::string& field) {
     tarvo_test::FString value(4096);
     std::int32_t ilen = -1;
-    const std::int32_t ierror = get_text(handle, field, value, ilen);
-    return ierror == 0 ? value.text.substr(0, static_cast<std::size_t>(ilen)) : "<" + std::to_string(ierror) + ">";
+    return text_or_error(get_text(handle, field, value, ilen), value, ilen);
 }
 
 inline void* instance_of(std::int32_t handle) {
@@ -100,17 +113,14 @@ inline void fill_group(std::int32_t handle, const std::vector<std::string>& memb
     }
 }
 
-// Member INDEX of a "group" instance read into a variable of `length` characters.
+// Member INDEX of a "group" instance read into VALUE; the text alone, or "<ierror>".
 inline std::int32_t member(std::int32_t handle, std::int32_t index, tarvo_test::FString& value, std::int32_t& ilen) {
-    std::int32_t ierror = -1;
-    pxfestrget_(&handle, "gr_mem", &index, value.data(), &ilen, &ierror, 6, value.size());
-    return ierror;
+    return ierror_of(pxfestrget_, &handle, "gr_mem", &index, value.data(), &ilen, kIerror, 6, value.size());
 }
 inline std::string member(std::int32_t handle, std::int32_t index) {
     tarvo_test::FString value(64);
     std::int32_t ilen = -1;
-    const std::int32_t ierror = member(handle, index, value, ilen);
-    return ierror == 0 ? value.trimmed() : "<" + std::to_string(ierror) + ">";
+    return text_or_error(member(handle, index, value, ilen), value, ilen);
 }
 
 }  // namespace pxf_test

@@ -5,73 +5,56 @@
 
 #include <cerrno>
 
-#include "support/support.h"
-#include <tarvo/posix.h>
+#include "posix/pxf_support.h"
 
 namespace {
+
+using namespace pxf_test;
+using std::tuple;
 
 class UnitIo : public tarvo_test::ScratchDirTest {};
 
 TEST_F(UnitIo, ResultsOfEachOperation) {
     write_file("data", "xy");
-    std::int32_t fd = ::open("data", O_RDWR), unit = 20, closed = 21, ierror = -5, offset = -5, out = 6, got = -5;
-    pxffileno_(&out, &got, &ierror);
-    EXPECT_EQ(got * 100 + ierror, 100);
-    pxffileno_(&closed, &got, &ierror);
-    EXPECT_EQ(got * 100 + ierror, -100 + EBADF);
-    pxffdopen_(&fd, &unit, "w+ ", &ierror, 3);
-    ASSERT_EQ(ierror, 0);
-    char ch[2] = {'?', '?'};
-    pxffgetc_(&unit, ch, &ierror, 2);
-    EXPECT_EQ(std::string(ch, 2), "x?");  // the first byte only
-    pxfftell_(&unit, &offset, &ierror);
-    EXPECT_EQ(offset, 1);
+    std::int32_t fd = ::open("data", O_RDWR), unit = 20, closed = 21, offset = -5, out = 6, got = -5;
     std::int32_t zero = 0, end = SEEK_END, start = SEEK_SET, minus = -1;
-    pxffseek_(&unit, &zero, &end, &ierror);
-    pxffgetc_(&unit, ch, &ierror, 2);
-    EXPECT_EQ(ierror, TARVO_EEND);
-    EXPECT_EQ(ch[0], 'x');  // unchanged at the end of the file
-    pxffputc_(&unit, "!", &ierror, 1);
-    pxffflush_(&unit, &ierror);
-    EXPECT_EQ(ierror, 0);
-    EXPECT_EQ(read_file("data"), "xy!");
-    pxffseek_(&unit, &minus, &start, &ierror);
-    EXPECT_EQ(ierror, EINVAL);
-    pxffgetc_(&unit, ch, &ierror, 0);  // no first byte to read into
-    EXPECT_EQ(ierror, EINVAL);
+    EXPECT_EQ(VALUES(ierror_of(pxffileno_, &out, &got, kIerror), got), tuple(0, 1));
+    EXPECT_EQ(VALUES(ierror_of(pxffileno_, &closed, &got, kIerror), got), tuple(EBADF, -1));
+    ASSERT_EQ(ierror_of(pxffdopen_, &fd, &unit, "w+ ", kIerror, 3), 0);
+    char ch[2] = {'?', '?'};
+    EXPECT_EQ(VALUES(ierror_of(pxffgetc_, &unit, ch, kIerror, 2), std::string(ch, 2)), tuple(0, "x?"));  // one byte
+    EXPECT_EQ(VALUES(ierror_of(pxfftell_, &unit, &offset, kIerror), offset), tuple(0, 1));
+    EXPECT_EQ(ierror_of(pxffseek_, &unit, &zero, &end, kIerror), 0);
+    EXPECT_EQ(VALUES(ierror_of(pxffgetc_, &unit, ch, kIerror, 2), ch[0]), tuple(TARVO_EEND, 'x'));  // CH unchanged
+    EXPECT_EQ(VALUES(ierror_of(pxffputc_, &unit, "!", kIerror, 1), ierror_of(pxffflush_, &unit, kIerror),
+                     read_file("data")),
+              tuple(0, 0, "xy!"));
+    EXPECT_EQ(ierror_of(pxffseek_, &unit, &minus, &start, kIerror), EINVAL);
+    EXPECT_EQ(ierror_of(pxffgetc_, &unit, ch, kIerror, 0), EINVAL);  // no first byte to read into
     close(fd);
     // A unit whose descriptor is gone: the run-time's negated error number as it is.
-    pxffgetc_(&unit, ch, &ierror, 1);
-    EXPECT_EQ(ierror, -EBADF);
-    pxffputc_(&unit, "a", &ierror, 1);
-    EXPECT_EQ(ierror, -EBADF);
-    pxffflush_(&closed, &ierror);
-    EXPECT_EQ(ierror, EBADF);
-    pxfftell_(&closed, &offset, &ierror);
-    EXPECT_EQ(ierror * 100 + offset, EINVAL * 100 + 1);  // IOFFSET left as it was
-    pxffdopen_(&fd, &unit, "r", &ierror, 1);  // the run-time's answer as it is
-    EXPECT_EQ(ierror, EBADF);
+    EXPECT_EQ(VALUES(ierror_of(pxffgetc_, &unit, ch, kIerror, 1), ierror_of(pxffputc_, &unit, "a", kIerror, 1)),
+              tuple(-EBADF, -EBADF));
+    EXPECT_EQ(ierror_of(pxffflush_, &closed, kIerror), EBADF);
+    EXPECT_EQ(VALUES(ierror_of(pxfftell_, &closed, &offset, kIerror), offset), tuple(EINVAL, 1));  // IOFFSET kept
+    EXPECT_EQ(ierror_of(pxffdopen_, &fd, &unit, "r", kIerror, 1), EBADF);  // the run-time's answer as it is
 }
 
 TEST_F(UnitIo, StandardUnitsAndPosixMode) {
-    const int status = tarvo_test::run_in_child([] {
-        dup2(::open("/dev/null", O_RDONLY), 0);
-        char ch = '?';
-        std::int32_t ierror = 0;
-        pxfgetc_(&ch, &ierror, 1);
-        return ierror == TARVO_EEND && ch == '?' ? 0 : 1;
-    });
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(tarvo_test::run_in_child([] {
+                  dup2(::open("/dev/null", O_RDONLY), 0);
+                  char ch = '?';
+                  return ierror_of(pxfgetc_, &ch, kIerror, 1) == TARVO_EEND && ch == '?' ? 0 : 1;
+              }),
+              0);
     tarvo_test::CapturedOutput out(1);
-    std::int32_t ierror = -1, on = 1, off = 0, old = -1;
-    pxfputc_("ok", &ierror, 2);
-    pxfputc_("k", &ierror, 1);
+    std::int32_t on = 1, off = 0, old = -1;
+    ierror_of(pxfputc_, "ok", kIerror, 2);
+    ierror_of(pxfputc_, "k", kIerror, 1);
     EXPECT_EQ(out.text(), "ok");
-    pxfposixio_(&on, &old, &ierror);
-    EXPECT_EQ(ierror, 0);
-    pxfposixio_(&off, &old, &ierror);
-    EXPECT_EQ(old * 100 + ierror, 100 + EINVAL);  // turning it off reports EINVAL...
-    pxfposixio_(&off, &old, &ierror);
+    EXPECT_EQ(ierror_of(pxfposixio_, &on, &old, kIerror), 0);
+    EXPECT_EQ(VALUES(ierror_of(pxfposixio_, &off, &old, kIerror), old), tuple(EINVAL, 1));  // off reports EINVAL...
+    ierror_of(pxfposixio_, &off, &old, kIerror);
     EXPECT_EQ(old, 0);  // ...and turns it off all the same
 }
 
