@@ -14,11 +14,6 @@ namespace frame {
 namespace {
 // Every terminated copy carries this many spare bytes beyond its text; callers may rely on it.
 constexpr std::size_t kCstrSlack = 23;
-
-void record_helper_error(int code) noexcept {
-    errno = code;
-    runtime::for_errsns_load(0, code, 0, 0, 0);
-}
 }  // namespace
 
 flen trimmed_length(const char* s, flen len) noexcept {
@@ -29,13 +24,13 @@ flen trimmed_length(const char* s, flen len) noexcept {
 
 char* allocCstr(const char* s, flen len) noexcept {
     if (s == nullptr) {
-        record_helper_error(EINVAL);
+        runtime::record_errno(EINVAL);
         return nullptr;
     }
     const flen n = trimmed_length(s, len);
     auto* copy = static_cast<char*>(allocate(static_cast<std::size_t>(n) + kCstrSlack));
     if (copy == nullptr) {
-        record_helper_error(ENOMEM);
+        runtime::record_errno(ENOMEM);
         return nullptr;
     }
     std::memmove(copy, s, static_cast<std::size_t>(n));
@@ -53,7 +48,7 @@ void blank_fill(char* dst, flen len) noexcept {
 
 flen CstrToFstr(char* dst, const char* src, flen dlen, flen smax) noexcept {
     if (dst == nullptr) {
-        record_helper_error(EINVAL);
+        runtime::record_errno(EINVAL);
         return 0;
     }
     flen remaining = dlen;
@@ -69,7 +64,7 @@ flen CstrToFstr(char* dst, const char* src, flen dlen, flen smax) noexcept {
         if (remaining == 0) {
             // Full destination: the byte after the copy tells whether text was cut,
             // even when smax ran out at the same moment.
-            if (src[copied] != '\0') record_helper_error(EINVAL);
+            if (src[copied] != '\0') runtime::record_errno(EINVAL);
             return dlen;
         }
     }

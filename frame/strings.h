@@ -50,6 +50,13 @@ public:
     CString& operator=(const CString&) = delete;
     explicit operator bool() const noexcept { return p_ != nullptr; }
     const char* c_str() const noexcept { return p_; }
+    char* get() noexcept { return p_; }  // the copy is the routine's own: it may cut it in place
+    // Hands the block over: for routines documented to keep it.
+    char* release() noexcept {
+        char* p = p_;
+        p_ = nullptr;
+        return p;
+    }
 
 private:
     char* p_;

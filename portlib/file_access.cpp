@@ -45,11 +45,6 @@ int access_bits(const char* mode, frame::flen length) noexcept {
     return bits;
 }
 
-std::int32_t fail_invalid() noexcept {
-    errno = EINVAL;
-    return fail(EINVAL);
-}
-
 // One symbolic clause, [ugoa...](+|-|=)[rwxstX...], or nothing when the text is not one.
 struct SymbolicMode {
     char op;
@@ -102,8 +97,7 @@ std::int32_t chmod_to(const char* name, mode_t bits) noexcept {
 int unit_descriptor(const std::int32_t* unit, char* name, std::int32_t* name_length) noexcept {
     const int fd = unit != nullptr ? runtime::__quenvatix_d_gethandle(*unit, name, name_length) : -1;
     if (fd < 0) {
-        errno = EBADF;
-        runtime::for_errsns_load(0, EBADF, 0, 0, 0);
+        runtime::record_errno(EBADF);
     }
     return fd;
 }
@@ -114,9 +108,9 @@ int unit_descriptor(const std::int32_t* unit, char* name, std::int32_t* name_len
 extern "C" TARVO_API std::int32_t access_(const char* name, const char* mode, std::size_t name_len,
                                           std::size_t mode_len) noexcept {
     const frame::flen mode_length = frame::signed_length(mode_len);
-    if (frame::signed_length(name_len) < 1 || mode_length < 1 || mode == nullptr) return fail_invalid();
+    if (frame::signed_length(name_len) < 1 || mode_length < 1 || mode == nullptr) return portlib::fail_errno(EINVAL);
     const int bits = access_bits(mode, mode_length);
-    if (bits < 0) return fail_invalid();
+    if (bits < 0) return portlib::fail_errno(EINVAL);
     CString path(name, name_len);
     if (!path) return fail(ENOMEM);
     if (::access(path.c_str(), bits) == 0) return 0;
@@ -162,11 +156,11 @@ extern "C" TARVO_API std::int32_t chmod_(const char* name, const char* mode, std
         char* end = nullptr;
         const long value = std::strtol(m, &end, 8);
         // An explicit "0" is rejected like any other invalid mode.
-        if (value == 0 || *end != '\0') return fail_invalid();
+        if (value == 0 || *end != '\0') return portlib::fail_errno(EINVAL);
         return chmod_to(path.c_str(), static_cast<mode_t>(value));
     }
     SymbolicMode symbolic{};
-    if (!parse_symbolic(m, symbolic)) return fail_invalid();
+    if (!parse_symbolic(m, symbolic)) return portlib::fail_errno(EINVAL);
     return chmod_to(path.c_str(), apply_symbolic(path.c_str(), symbolic));
 }
 
@@ -179,8 +173,7 @@ extern "C" TARVO_API std::int32_t getcwd_(char* dir, std::size_t dir_len) noexce
     }
     frame::HeapBlock<char> buffer(static_cast<std::size_t>(length) + 1);
     if (!buffer) {
-        errno = ENOMEM;
-        return fail(ENOMEM);
+        return portlib::fail_errno(ENOMEM);
     }
     if (::getcwd(buffer.get(), static_cast<std::size_t>(length) + 1) == nullptr) {
         const std::int32_t error = fail(errno);
@@ -205,8 +198,7 @@ extern "C" TARVO_API void ttynam_(char* result, std::size_t result_len, const st
     const int fd = unit_descriptor(unit, name, &name_length);
     if (fd < 0) return;
     if (!::isatty(fd)) {
-        errno = ENOTTY;
-        runtime::for_errsns_load(0, ENOTTY, 0, 0, 0);
+        runtime::record_errno(ENOTTY);
         return;
     }
     name[name_length] = '\0';

@@ -19,7 +19,6 @@
 namespace {
 
 using frame::CString;
-using qq::record_error;
 
 constexpr std::int32_t logical(bool value) { return value ? TARVO_TRUE : TARVO_FALSE; }
 
@@ -59,7 +58,7 @@ int make_directory(const char* path) noexcept { return mkdir(path, 0755); }
 extern "C" TARVO_API std::int32_t delfilesqq_(const char* files, std::size_t files_len) noexcept {
     char cwd[qq::kDirMax];
     if (getcwd(cwd, sizeof cwd) == nullptr) return 0;
-    const qq::OwnedCstr text = qq::copy_argument(files, files_len);
+    CString text(files, files_len);
     if (!text) return 0;
     const qq::PathParts parts = qq::split_at_last_slash(text.get());
     return delete_matching(parts.dir != nullptr ? parts.dir : cwd, parts.name);
@@ -79,11 +78,11 @@ extern "C" TARVO_API std::int32_t deldirqq_(const char* dirname, std::size_t dir
 extern "C" TARVO_API std::int32_t changedirqq_(const char* dirname, std::size_t dirname_len) noexcept {
     const CString path(dirname, dirname_len);
     if (!path) {
-        record_error(ENOMEM);
+        runtime::record_errno(ENOMEM);
         return TARVO_FALSE;
     }
     if (chdir(path.c_str()) != 0) {
-        record_error(errno);
+        runtime::record_errno(errno);
         return TARVO_FALSE;
     }
     return TARVO_TRUE;
@@ -94,16 +93,16 @@ extern "C" TARVO_API std::int32_t renamefileqq_(const char* oldname, const char*
                                                 std::size_t oldname_len, std::size_t newname_len) noexcept {
     const CString from(oldname, oldname_len);
     if (!from) {
-        record_error(ENOMEM);
+        runtime::record_errno(ENOMEM);
         return TARVO_FALSE;
     }
     const CString to(newname, newname_len);
     if (!to) {
-        record_error(ENOMEM);
+        runtime::record_errno(ENOMEM);
         return TARVO_FALSE;
     }
     if (std::rename(from.c_str(), to.c_str()) != 0) {
-        record_error(errno);
+        runtime::record_errno(errno);
         return TARVO_FALSE;
     }
     return TARVO_TRUE;
@@ -115,13 +114,13 @@ extern "C" TARVO_API std::int32_t setfiletimeqq_(const char* filename, const std
     const CString path(filename, filename_len);
     if (!path) return TARVO_FALSE;
     if (timedate == nullptr) {
-        record_error(EINVAL);
+        runtime::record_errno(EINVAL);
         return TARVO_FALSE;
     }
     const std::int64_t when = *timedate;
     const utimbuf times{static_cast<time_t>(when), static_cast<time_t>(when)};
     if (utime(path.c_str(), when == -1 ? nullptr : &times) != 0) {
-        record_error(errno);
+        runtime::record_errno(errno);
         return TARVO_FALSE;
     }
     return TARVO_TRUE;
@@ -129,7 +128,7 @@ extern "C" TARVO_API std::int32_t setfiletimeqq_(const char* filename, const std
 
 // LOGICAL(4) FUNCTION SETFILEACCESSQQ(FILENAME, ACCESS) -- not supported: always false, 22
 extern "C" TARVO_API std::int32_t setfileaccessqq_(const char*, const std::int32_t*, std::size_t) noexcept {
-    record_error(EINVAL);
+    runtime::record_errno(EINVAL);
     return TARVO_FALSE;
 }
 
@@ -142,7 +141,7 @@ extern "C" TARVO_API std::int32_t getdrivedirqq_(char* drivedir, std::size_t dri
     auto* buffer = static_cast<char*>(frame::allocate(size));
     if (buffer == nullptr) {
         frame::blank_fill(drivedir, length);
-        record_error(ENOMEM);
+        runtime::record_errno(ENOMEM);
         return 0;
     }
     if (getcwd(buffer, size) == nullptr) {

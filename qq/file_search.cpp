@@ -111,7 +111,7 @@ void close_search(std::intptr_t handle) noexcept {
 std::int32_t fail_search(std::intptr_t* handle, int code) noexcept {
     close_search(*handle);
     *handle = kFailed;
-    record_error(code);
+    runtime::record_errno(code);
     return 0;
 }
 
@@ -129,7 +129,7 @@ SearchState info_state_i8;
 
 bool start_search(SearchState& state, const char* files, std::size_t files_len,
                   std::intptr_t* handle) noexcept {
-    const OwnedCstr text = copy_argument(files, files_len);
+    frame::CString text(files, files_len);
     if (!text) {
         fail_search(handle, ENOMEM);
         return false;
@@ -181,7 +181,7 @@ template <class Record>
 std::int32_t next_file_info(SearchState& state, const char* files, std::size_t files_len,
                             Record* record, std::intptr_t* handle) noexcept {
     if (handle == nullptr) {
-        record_error(EINVAL);
+        runtime::record_errno(EINVAL);
         return 0;
     }
     if (record == nullptr) return fail_search(handle, EINVAL);
@@ -196,7 +196,7 @@ std::int32_t next_file_info(SearchState& state, const char* files, std::size_t f
             close_search(*handle);
             *handle = error == 0 || error == ENOENT ? kEnded : kFailed;
             state.pattern[0] = '\0';
-            record_error(ENOENT);
+            runtime::record_errno(ENOENT);
             return 0;
         }
         if (patternMatch(entry->d_name, state.pattern) != 0) continue;
@@ -234,13 +234,13 @@ extern "C" TARVO_API std::int32_t findfileqq_(const char* filename, const char* 
                                               std::size_t pathbuf_len) noexcept {
     errno = 0;
     frame::blank_fill(pathbuf, frame::signed_length(pathbuf_len));
-    OwnedCstr file = copy_argument(filename, filename_len);
+    frame::CString file(filename, filename_len);
     if (!file) return 0;
     const PathParts parts = split_at_last_slash(file.get());
     char found[kJoinedSize];
     bool hit = search_path(found, parts.name, parts.dir != nullptr ? parts.dir : ".") != 0;
     if (!hit) {
-        OwnedCstr variable = copy_argument(varname, varname_len);
+        frame::CString variable(varname, varname_len);
         if (!variable) return 0;
         if (const char* value = std::getenv(variable.get())) {
             char* list = frame::allocCstr(value, static_cast<frame::flen>(std::strlen(value)));
@@ -258,7 +258,7 @@ extern "C" TARVO_API std::int32_t findfileqq_(const char* filename, const char* 
     }
     const std::int32_t result =
         hit ? static_cast<std::int32_t>(frame::store_fortran_string(pathbuf, pathbuf_len, found)) : 0;
-    if (result == 0) record_error(ENOENT);
+    if (result == 0) runtime::record_errno(ENOENT);
     return result;
 }
 

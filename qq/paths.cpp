@@ -19,7 +19,7 @@ std::int32_t store(char* dst, std::size_t dst_len, const char* text) noexcept {
 extern "C" TARVO_API std::int32_t fullpathqq_(const char* name, char* pathbuf, std::size_t name_len,
                                               std::size_t pathbuf_len) noexcept {
     if (name == nullptr || pathbuf == nullptr) {
-        qq::record_error(EINVAL);
+        runtime::record_errno(EINVAL);
         return 0;
     }
     // The copy is deliberately never released: the routine's established behaviour, kept.
@@ -39,7 +39,7 @@ extern "C" TARVO_API std::int32_t splitpathqq_(const char* path, char* drive, ch
     frame::blank_fill(dir, frame::signed_length(dir_len));
     frame::blank_fill(name, frame::signed_length(name_len));
     frame::blank_fill(ext, frame::signed_length(ext_len));
-    const qq::OwnedCstr text = qq::copy_argument(path, path_len);
+    frame::CString text(path, path_len);
     if (!text || text.get()[0] == '\0') return 0;
     char resolved[qq::kResolvedSize];
     __lodrik_resolve_unix_path(text.get(), resolved);

@@ -1,11 +1,10 @@
-// Steps shared by the QQ routines: their path limits, their way of recording an error,
-// the routine's own copy of a name, and the wildcard rule.
+// Steps shared by the QQ routines (which report failures with runtime::record_errno): path limits,
+// splitting and joining names, and the wildcard rule.
 #pragma once
 
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
-#include <memory>
 
 #include "frame/strings.h"
 #include "runtime/errsns.h"
@@ -16,21 +15,6 @@ constexpr std::size_t kDirMax = 1024;        // a directory, or a whole resolved
 constexpr std::size_t kNameMax = 255;        // one name within a directory
 constexpr std::size_t kJoinedSize = 1283;    // directory, "/", name and terminator
 constexpr std::size_t kResolvedSize = 1032;  // what the callers of the resolver provide
-
-// The QQ way of reporting a failure: errno and the run-time's recorder.
-inline void record_error(int code) noexcept {
-    errno = code;
-    runtime::for_errsns_load(0, code, 0, 0, 0);
-}
-
-// A terminated copy of a Fortran argument that the routine owns and may cut in place.
-struct ReleaseCstr {
-    void operator()(char* p) const noexcept { frame::deallocCstr(p); }
-};
-using OwnedCstr = std::unique_ptr<char, ReleaseCstr>;
-inline OwnedCstr copy_argument(const char* s, std::size_t len) noexcept {
-    return OwnedCstr(frame::allocCstr(s, frame::signed_length(len)));
-}
 
 // Cuts a name at its last "/" (overwritten by a terminator): the directory before it and
 // the name after it. Without a "/", dir is null and name is the whole text.
