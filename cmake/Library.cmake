@@ -1,5 +1,6 @@
 # The library: one object set built twice, as libtarvoport.so and libtarvoport.a.
 file(GLOB TARVO_SOURCES CONFIGURE_DEPENDS
+  ${PROJECT_SOURCE_DIR}/base/*.cpp
   ${PROJECT_SOURCE_DIR}/frame/*.cpp
   ${PROJECT_SOURCE_DIR}/runtime/*.cpp
   ${PROJECT_SOURCE_DIR}/posix/*.cpp

@@ -5,8 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "frame/api.h"
-#include "runtime/errsns.h"
+#include "base/export.h"
 #include <tarvo/frame.h>
 
 namespace frame {
@@ -14,7 +13,7 @@ namespace {
 // One cell for the whole process; the last writer wins, as callers expect.
 std::atomic<std::int32_t> local_errno{0};
 
-// Message texts by code minus 1000; codes 1010 and 1011 have none.
+// Message texts by code minus TARVO_DIAG_FIRST; codes 1010 and 1011 have none.
 constexpr const char* err_array[] = {
     " ",
     "Input parameters contain invalid parameter address",
@@ -36,13 +35,14 @@ constexpr const char* err_array[] = {
     "Total loss of precision",
     "Partial loss of precision",
 };
-static_assert(std::size(err_array) == 19);
+static_assert(std::size(err_array) == TARVO_DIAG_LAST - TARVO_DIAG_FIRST + 1);
 
 int print_diagnostic(char severity, std::int32_t code) noexcept {
     errno = code;
     // Callers pass listed codes only; the table is not range-checked beyond keeping
     // the read inside it, and a missing text prints as "(null)".
-    const std::size_t index = static_cast<std::size_t>(code - 1000);
+    // Unsigned arithmetic: a code far below the first never overflows on its way out.
+    const std::uint32_t index = static_cast<std::uint32_t>(code) - static_cast<std::uint32_t>(TARVO_DIAG_FIRST);
     const char* text = index < std::size(err_array) ? err_array[index] : nullptr;
     return std::fprintf(stderr, "*** %c - %d - %s\n", severity, static_cast<int>(code),
                         text != nullptr ? text : "(null)");
@@ -56,19 +56,6 @@ void set_portlib_local_errno(std::int32_t code) noexcept {
 }
 
 }  // namespace frame
-
-namespace portlib {
-std::int32_t fail(std::int32_t code) noexcept {
-    runtime::for_errsns_load(0, code, 0, 0, 0);
-    frame::set_portlib_local_errno(code);
-    return code;
-}
-
-std::int32_t fail_errno(std::int32_t code) noexcept {
-    errno = code;
-    return fail(code);
-}
-}  // namespace portlib
 
 // INTEGER FUNCTION IERRNO()
 extern "C" TARVO_API std::int32_t ierrno_() noexcept { return frame::portlib_local_errno(); }

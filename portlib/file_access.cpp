@@ -5,17 +5,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "frame/api.h"
-#include "frame/errors.h"
-#include "frame/memory.h"
-#include "frame/strings.h"
-#include "runtime/errsns.h"
+#include "base/export.h"
+#include "portlib/report.h"
+#include "base/memory.h"
+#include "base/fstring.h"
 #include "runtime/units.h"
 #include <tarvo/portlib.h>
 
 namespace {
 
-using frame::CString;
 using portlib::fail;
 
 // A deliberately coarse mapping of access's failures, which callers test for.
@@ -31,9 +29,9 @@ std::int32_t access_result(int error) noexcept {
 }
 
 // Folds "r", "w", "x" and blanks (any case) into access bits; -1 for anything else.
-int access_bits(const char* mode, frame::flen length) noexcept {
+int access_bits(const char* mode, base::flen length) noexcept {
     int bits = 0;
-    for (frame::flen i = 0; i < length; ++i) {
+    for (base::flen i = 0; i < length; ++i) {
         switch (mode[i] | 0x20) {
             case 'r': bits |= R_OK; break;
             case 'w': bits |= W_OK; break;
@@ -96,9 +94,7 @@ std::int32_t chmod_to(const char* name, mode_t bits) noexcept {
 // The unit's descriptor, or -1 with EBADF recorded (the classic cell stays untouched).
 int unit_descriptor(const std::int32_t* unit, char* name, std::int32_t* name_length) noexcept {
     const int fd = unit != nullptr ? runtime::__quenvatix_d_gethandle(*unit, name, name_length) : -1;
-    if (fd < 0) {
-        runtime::record_errno(EBADF);
-    }
+    if (fd < 0) portlib::report(portlib::Policy::errno_only, EBADF);
     return fd;
 }
 
@@ -107,11 +103,11 @@ int unit_descriptor(const std::int32_t* unit, char* name, std::int32_t* name_len
 // INTEGER FUNCTION ACCESS(NAME, MODE) -- 0 when access is granted
 extern "C" TARVO_API std::int32_t access_(const char* name, const char* mode, std::size_t name_len,
                                           std::size_t mode_len) noexcept {
-    const frame::flen mode_length = frame::signed_length(mode_len);
-    if (frame::signed_length(name_len) < 1 || mode_length < 1 || mode == nullptr) return portlib::fail_errno(EINVAL);
+    const base::flen mode_length = base::signed_length(mode_len);
+    if (base::signed_length(name_len) < 1 || mode_length < 1 || mode == nullptr) return portlib::fail_errno(EINVAL);
     const int bits = access_bits(mode, mode_length);
     if (bits < 0) return portlib::fail_errno(EINVAL);
-    CString path(name, name_len);
+    auto path = base::c_string(name, name_len);
     if (!path) return fail(ENOMEM);
     if (::access(path.c_str(), bits) == 0) return 0;
     return fail(errno == 0 ? -1 : access_result(errno));
@@ -119,14 +115,14 @@ extern "C" TARVO_API std::int32_t access_(const char* name, const char* mode, st
 
 // INTEGER FUNCTION CHDIR(DIRNAME)
 extern "C" TARVO_API std::int32_t chdir_(const char* dir, std::size_t dir_len) noexcept {
-    CString path(dir, dir_len);
+    auto path = base::c_string(dir, dir_len);
     if (!path) return fail(ENOMEM);
     return ::chdir(path.c_str()) == 0 ? 0 : fail(errno);
 }
 
 // INTEGER FUNCTION UNLINK(NAME)
 extern "C" TARVO_API std::int32_t unlink_(const char* name, std::size_t name_len) noexcept {
-    CString path(name, name_len);
+    auto path = base::c_string(name, name_len);
     if (!path) return fail(ENOMEM);
     return ::unlink(path.c_str()) == 0 ? 0 : fail(errno);
 }
@@ -134,9 +130,9 @@ extern "C" TARVO_API std::int32_t unlink_(const char* name, std::size_t name_len
 // INTEGER FUNCTION RENAME(FROM, TO)
 extern "C" TARVO_API std::int32_t rename_(const char* from, const char* to, std::size_t from_len,
                                           std::size_t to_len) noexcept {
-    CString old_path(from, from_len);
+    auto old_path = base::c_string(from, from_len);
     if (!old_path) return fail(errno);
-    CString new_path(to, to_len);
+    auto new_path = base::c_string(to, to_len);
     if (!new_path) return fail(errno);
     return ::rename(old_path.c_str(), new_path.c_str()) == 0 ? 0 : fail(errno);
 }
@@ -144,12 +140,9 @@ extern "C" TARVO_API std::int32_t rename_(const char* from, const char* to, std:
 // INTEGER FUNCTION CHMOD(NAME, MODE) -- octal ("755") or one symbolic clause ("u+x")
 extern "C" TARVO_API std::int32_t chmod_(const char* name, const char* mode, std::size_t name_len,
                                          std::size_t mode_len) noexcept {
-    CString path(name, name_len);
-    if (!path) {
-        frame::set_portlib_local_errno(errno);  // this failure skips the run-time recorder
-        return errno;
-    }
-    CString text(mode, mode_len);
+    auto path = base::c_string(name, name_len);
+    if (!path) return portlib::report(portlib::Policy::cell_only, errno);
+    auto text = base::c_string(mode, mode_len);
     if (!text) return fail(errno);
     const char* m = text.c_str();
     if (*m >= '0' && *m <= '9') {
@@ -166,21 +159,18 @@ extern "C" TARVO_API std::int32_t chmod_(const char* name, const char* mode, std
 
 // INTEGER FUNCTION GETCWD(DIRNAME)
 extern "C" TARVO_API std::int32_t getcwd_(char* dir, std::size_t dir_len) noexcept {
-    const frame::flen length = frame::signed_length(dir_len);
-    if (length < 1) {
-        frame::set_portlib_local_errno(ENOENT);  // reported without the run-time recorder
-        return ENOENT;
-    }
-    frame::HeapBlock<char> buffer(static_cast<std::size_t>(length) + 1);
+    const base::flen length = base::signed_length(dir_len);
+    if (length < 1) return portlib::report(portlib::Policy::cell_only, ENOENT);
+    auto buffer = base::Owned<char>::with_room_for(static_cast<std::size_t>(length) + 1);
     if (!buffer) {
         return portlib::fail_errno(ENOMEM);
     }
     if (::getcwd(buffer.get(), static_cast<std::size_t>(length) + 1) == nullptr) {
         const std::int32_t error = fail(errno);
-        frame::blank_fill(dir, length);
+        base::blank_fill(dir, length);
         return error;
     }
-    frame::store_fortran_string(dir, dir_len, buffer.get());
+    base::store_fortran_string(dir, dir_len, buffer.get());
     return 0;
 }
 
@@ -192,15 +182,15 @@ extern "C" TARVO_API std::int32_t isatty_(const std::int32_t* unit) noexcept {
 
 // CHARACTER*(*) FUNCTION TTYNAM(IUNIT) -- the terminal's name, or blanks
 extern "C" TARVO_API void ttynam_(char* result, std::size_t result_len, const std::int32_t* unit) noexcept {
-    frame::blank_fill(result, frame::signed_length(result_len));
+    base::blank_fill(result, base::signed_length(result_len));
     char name[256];
     std::int32_t name_length = 255;
     const int fd = unit_descriptor(unit, name, &name_length);
     if (fd < 0) return;
     if (!::isatty(fd)) {
-        runtime::record_errno(ENOTTY);
+        portlib::report(portlib::Policy::errno_only, ENOTTY);
         return;
     }
     name[name_length] = '\0';
-    frame::store_fortran_string(result, result_len, name);
+    base::store_fortran_string(result, result_len, name);
 }

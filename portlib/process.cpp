@@ -8,10 +8,10 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include "frame/api.h"
-#include "frame/memory.h"
-#include "frame/strings.h"
-#include "runtime/errsns.h"
+#include "base/export.h"
+#include "portlib/report.h"
+#include "base/memory.h"
+#include "base/fstring.h"
 #include "runtime/process.h"
 #include "runtime/units.h"
 #include <tarvo/portlib.h>
@@ -20,19 +20,16 @@ extern char** environ;
 
 namespace {
 
-using frame::flen;
+using base::flen;
 
 flen usable_length(const char* s, std::size_t hidden) noexcept {
-    return s != nullptr ? std::max<flen>(frame::signed_length(hidden), 0) : 0;
+    return s != nullptr ? std::max<flen>(base::signed_length(hidden), 0) : 0;
 }
 
 // Copies n bytes of text into a Fortran string, cut to its length and blank padded. These
 // routines report nothing when the text is cut (HOSTNM compares the lengths itself).
 void copy_cut(char* dst, std::size_t dst_len, const char* src, std::size_t n) noexcept {
-    const flen length = usable_length(dst, dst_len);
-    const auto copied = static_cast<flen>(std::min(n, static_cast<std::size_t>(length)));
-    if (copied > 0) std::memcpy(dst, src, static_cast<std::size_t>(copied));
-    frame::blank_fill(dst + copied, length - copied);
+    base::store(dst, usable_length(dst, dst_len), src, n);
 }
 
 void copy_cut(char* dst, std::size_t dst_len, const char* src) noexcept {
@@ -63,7 +60,7 @@ bool scan_position_holds(char** env, const char* pattern, flen n) noexcept {
 
 // INTEGER FUNCTION SYSTEM(COMMAND) -- the wait status system() returns
 extern "C" TARVO_API std::int32_t system_(const char* command, std::size_t command_len) noexcept {
-    frame::CString text(command, command_len);
+    auto text = base::c_string(command, command_len);
     if (!text) return -1;
     // The command's output must follow what the program has already written.
     runtime::flush_all_units();
@@ -74,15 +71,10 @@ extern "C" TARVO_API std::int32_t system_(const char* command, std::size_t comma
 extern "C" TARVO_API void getenv_(const char* name, char* value, std::size_t name_len,
                                   std::size_t value_len) noexcept {
     const flen length = usable_length(name, name_len);
-    frame::HeapBlock<char> key(static_cast<std::size_t>(length) + 1);
-    const char* text = nullptr;
-    if (key) {
-        flen n = 0;
-        for (; n < length && name[n] != ' '; ++n) key.get()[n] = name[n];
-        key.get()[n] = '\0';
-        text = std::getenv(key.get());
-    }
-    copy_cut(value, value_len, text);
+    flen n = 0;
+    while (n < length && name[n] != ' ') ++n;
+    const auto key = base::c_copy(name, static_cast<std::size_t>(n));
+    copy_cut(value, value_len, key ? std::getenv(key.c_str()) : nullptr);
 }
 
 // SUBROUTINE SCANENV(PATTERN, NAME, VALUE) -- the next variable whose name begins with
@@ -133,8 +125,7 @@ extern "C" TARVO_API std::int32_t hostnm_(char* name, std::size_t name_len) noex
     if (gethostname(host, 255) != 0) {
         const int error = errno;
         copy_cut(name, name_len, nullptr);
-        runtime::for_errsns_load(0, error, 0, 0, 0);
-        return error;
+        return portlib::report(portlib::Policy::recorder_only, error);
     }
     const std::size_t n = std::strlen(host);
     copy_cut(name, name_len, host, n);

@@ -3,9 +3,9 @@
 #include <climits>
 #include <sys/stat.h>
 
-#include "frame/api.h"
-#include "frame/errors.h"
-#include "frame/strings.h"
+#include "base/export.h"
+#include "portlib/report.h"
+#include "base/fstring.h"
 #include "runtime/units.h"
 #include <tarvo/portlib.h>
 
@@ -44,7 +44,7 @@ std::int32_t report(int rc, const struct stat& st, Int* statb) noexcept {
 template <class Int, int (*host_stat)(const char*, struct stat*)>
 std::int32_t status_by_name(const char* name, std::size_t name_len, Int* statb) noexcept {
     if (statb == nullptr) return portlib::fail_errno(EINVAL);
-    frame::CString path(name, name_len);
+    auto path = base::c_string(name, name_len);
     if (!path) return portlib::fail_errno(ENOMEM);
     struct stat st {};
     const int rc = host_stat(path.c_str(), &st);

@@ -11,10 +11,10 @@
 #include <sys/times.h>
 #include <unistd.h>
 
-#include "frame/api.h"
-#include "frame/strings.h"
+#include "base/export.h"
+#include "portlib/report.h"
+#include "base/fstring.h"
 #include "portlib/testing.h"
-#include "runtime/errsns.h"
 #include "runtime/process.h"
 #include <tarvo/portlib.h>
 
@@ -47,7 +47,7 @@ template <class... Args>
 void store_formatted(char* result, std::size_t result_len, const char* format, Args... args) noexcept {
     char text[32];
     std::snprintf(text, sizeof text, format, args...);
-    frame::store_fortran_string(result, result_len, text);
+    base::store_fortran_string(result, result_len, text);
 }
 
 // ctime of t (25 characters, newline included), or an empty text if it cannot be formed.
@@ -93,7 +93,7 @@ void local_clock(Int* hour, Int* minute, Int* second, Int* hundredths) noexcept 
 
 // Setting the date or time is not offered: the request is recorded and answered "no".
 std::int32_t refuse_clock_change() noexcept {
-    runtime::for_errsns_load(0, ENOTSUP, 0, 0, 0);
+    portlib::report(portlib::Policy::recorder_only, ENOTSUP);
     return TARVO_FALSE;
 }
 
@@ -209,7 +209,7 @@ extern "C" TARVO_API void clock_(char* result, std::size_t result_len) noexcept 
 // CHARACTER*(*) FUNCTION DATE() -- dd-Mon-yy into 9 characters or more, else mm/dd/yy
 extern "C" TARVO_API void date_(char* result, std::size_t result_len) noexcept {
     const std::tm t = local_now();
-    if (frame::signed_length(result_len) >= 9)
+    if (base::signed_length(result_len) >= 9)
         store_formatted(result, result_len, "%02d-%s-%02d", t.tm_mday, datetable[t.tm_mon], t.tm_year % 100);
     else
         store_formatted(result, result_len, "%02d/%02d/%02d", t.tm_mon + 1, t.tm_mday, t.tm_year % 100);
@@ -239,14 +239,14 @@ extern "C" TARVO_API void fdate_(char* result, std::size_t result_len) noexcept 
     ctime_text(std::time(nullptr), buffer);
     const std::size_t n = std::strlen(buffer);
     if (n > 0 && buffer[n - 1] == '\n') buffer[n - 1] = '\0';
-    frame::store_fortran_string(result, result_len, buffer);
+    base::store_fortran_string(result, result_len, buffer);
 }
 
 // CHARACTER*(*) FUNCTION CTIME(STIME) -- 25 characters, the newline included
 extern "C" TARVO_API void ctime_(char* result, std::size_t result_len, const std::int32_t* stime) noexcept {
     char buffer[32] = "";
     if (stime != nullptr) ctime_text(*stime, buffer);
-    frame::store_fortran_string(result, result_len, buffer);
+    base::store_fortran_string(result, result_len, buffer);
 }
 
 // SUBROUTINE LTIME(STIME, TARRAY) -- local time; day of year counted from 1
@@ -254,8 +254,8 @@ extern "C" TARVO_API void ltime_(const std::int32_t* stime, std::int32_t* tarray
     if (stime != nullptr) store_time_array(local_time(*stime), 1, tarray);
 }
 
-// SUBROUTINE GMTIME(STIME, TARRAY) -- UTC; day of year counted from 0, unlike LTIME, as
-// callers of both have always seen
+// SUBROUTINE GMTIME(STIME, TARRAY) -- UTC; day of year counted from 0, unlike LTIME: the
+// asymmetry is deliberate, programs correct for it themselves
 extern "C" TARVO_API void gmtime_(const std::int32_t* stime, std::int32_t* tarray) noexcept {
     if (stime == nullptr) return;
     const std::time_t t = *stime;

@@ -2,9 +2,9 @@
 #include <cerrno>
 #include <climits>
 
-#include "frame/api.h"
-#include "frame/errors.h"
-#include "frame/strings.h"
+#include "base/export.h"
+#include "portlib/report.h"
+#include "base/fstring.h"
 #include "runtime/units.h"
 #include <tarvo/portlib.h>
 #include <tarvo/runtime.h>
@@ -18,7 +18,7 @@ std::int64_t unit_of(const std::int32_t* unit) noexcept { return unit != nullptr
 
 // CH is a CHARACTER(1): only its first byte is written, whatever length the caller passes.
 void store_char(char* ch, std::size_t ch_len, int c) noexcept {
-    if (ch != nullptr && frame::signed_length(ch_len) >= 1) ch[0] = static_cast<char>(c);
+    if (ch != nullptr && base::signed_length(ch_len) >= 1) ch[0] = static_cast<char>(c);
 }
 
 // The character read, stored in CH, or the run-time's negative result.
@@ -29,21 +29,19 @@ int read_into(std::int64_t unit, char* ch, std::size_t ch_len) noexcept {
 }
 
 std::int32_t write_char(std::int64_t unit, const char* ch, std::size_t ch_len) noexcept {
-    const bool have = ch != nullptr && frame::signed_length(ch_len) >= 1;
+    const bool have = ch != nullptr && base::signed_length(ch_len) >= 1;
     if (have && runtime::__quenvatix_d_writechar(unit, static_cast<signed char>(ch[0])) >= 0) return 0;
     return portlib::fail_errno(EINVAL);
 }
 
 // The run-time's seek result as an error number; every seek stores it, success included.
 std::int32_t seek_result(int negated_error) noexcept {
-    const std::int32_t code = -negated_error;
-    frame::set_portlib_local_errno(code);
-    return code;
+    return portlib::report(portlib::Policy::cell_only, -negated_error);
 }
 
 // A position; a negative one is a negated error number, which is kept for IERRNO.
 std::int64_t recorded_position(std::int64_t position) noexcept {
-    if (position < 0) frame::set_portlib_local_errno(static_cast<std::int32_t>(-position));
+    if (position < 0) portlib::report(portlib::Policy::cell_only, static_cast<std::int32_t>(-position));
     return position;
 }
 

@@ -15,7 +15,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "frame/api.h"
+#include "base/export.h"
 #include "posix/pxf.h"
 #include <tarvo/posix.h>
 

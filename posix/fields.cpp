@@ -4,9 +4,9 @@
 #include <cerrno>
 #include <cstring>
 
-#include "frame/api.h"
+#include "base/export.h"
 #include "frame/handles.h"
-#include "frame/strings.h"
+#include "base/fstring.h"
 #include "posix/instances.h"
 #include "posix/pxf.h"
 #include <tarvo/posix.h>
@@ -165,9 +165,9 @@ Text text_of(const Target& target) noexcept {
 
 // The characters of VALUE that pxfstrset_ stores: the first ILEN, or VALUE less its
 // trailing blanks when ILEN is 0. -1 for an ILEN below 0 or beyond VALUE.
-frame::flen length_to_set(const char* value, std::size_t value_len, std::int32_t ilen) noexcept {
-    const frame::flen declared = value != nullptr ? frame::signed_length(value_len) : 0;
-    if (ilen == 0) return frame::trimmed_length(value, declared);
+base::flen length_to_set(const char* value, std::size_t value_len, std::int32_t ilen) noexcept {
+    const base::flen declared = value != nullptr ? base::signed_length(value_len) : 0;
+    if (ilen == 0) return base::trimmed_length(value, declared);
     return ilen < 0 || ilen > declared ? -1 : ilen;
 }
 
@@ -275,7 +275,7 @@ extern "C" TARVO_API void pxfstrset_(const std::int32_t* jhandle, const char* co
                                      std::size_t value_len) noexcept {
     Target target;
     if (!posix::find_field(jhandle, compname, compname_len, Reach::text, ierror, target)) return;
-    const frame::flen length = posix::length_to_set(value, value_len, *ilen);
+    const base::flen length = posix::length_to_set(value, value_len, *ilen);
     if (length < 0) return posix::report(ierror, EINVAL, EINVAL);
     posix::set_text(target, value, static_cast<std::size_t>(length), ierror);
 }

@@ -12,9 +12,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/api.h"
+#include "base/export.h"
 #include "frame/handles.h"
-#include "frame/memory.h"
+#include "base/memory.h"
 #include "posix/instances.h"
 #include "posix/pxf.h"
 #include <tarvo/posix.h>
@@ -26,7 +26,7 @@ namespace {
 template <class Call>
 void on_path(const char* path, const std::int32_t* ilen, std::size_t path_len, std::int32_t* ierror,
              Call call) noexcept {
-    const Path p(path, ilen, path_len);
+    const Path p = path_arg(path, ilen, path_len);
     if (!p) return report(ierror, errno);
     report_host(ierror, call(p.c_str()));
 }
@@ -34,9 +34,9 @@ void on_path(const char* path, const std::int32_t* ilen, std::size_t path_len, s
 template <class Call>
 void on_paths(const char* first, const std::int32_t* first_ilen, std::size_t first_len, const char* second,
               const std::int32_t* second_ilen, std::size_t second_len, std::int32_t* ierror, Call call) noexcept {
-    const Path a(first, first_ilen, first_len);
+    const Path a = path_arg(first, first_ilen, first_len);
     if (!a) return report(ierror, errno);
-    const Path b(second, second_ilen, second_len);
+    const Path b = path_arg(second, second_ilen, second_len);
     if (!b) return report(ierror, errno);
     report_host(ierror, call(a.c_str(), b.c_str()));
 }
@@ -73,11 +73,11 @@ DirectoryStream* resolve_stream(const std::int32_t* idirid, std::int32_t* ierror
 
 // A handle for an open stream, or 0 (the stream closed) when no memory is left for it.
 std::int32_t register_stream(DIR* stream) noexcept {
-    auto* block = static_cast<DirectoryStream*>(frame::allocate(sizeof(DirectoryStream)));
+    auto* block = static_cast<DirectoryStream*>(base::allocate(sizeof(DirectoryStream)));
     if (block != nullptr) *block = {kDirectoryStreamTag, stream};
     const std::int32_t handle = block != nullptr ? frame::get_handle_from_alloc_address(block) : 0;
     if (handle == 0) {
-        frame::release(block);
+        base::release(block);
         ::closedir(stream);
     }
     return handle;
@@ -85,7 +85,7 @@ std::int32_t register_stream(DIR* stream) noexcept {
 
 // The path of PXFUTIME: PATH up to its first blank, at most its declared length's low 32 bits.
 Name utime_path(const char* path, std::size_t path_len) noexcept {
-    const std::int32_t declared = frame::low32_length(path_len);
+    const std::int32_t declared = base::low32_length(path_len);
     return pxf_name(path, declared > 0 ? static_cast<std::size_t>(declared) : 0);
 }
 
@@ -192,7 +192,7 @@ extern "C" TARVO_API void pxfutime_(const char* path, const std::int32_t*, const
     // Unlike every other path routine, on purpose: the path ends at its first blank and
     // ILEN is not looked at, so a PATH that begins with a blank is the empty path.
     const posix::Name name = posix::utime_path(path, path_len);
-    const posix::Path p(name.text, static_cast<frame::flen>(name.length));
+    const posix::Path p = posix::path_copy(name.text, static_cast<base::flen>(name.length));
     if (!p) return report(ierror, errno);
     report_host(ierror, ::utime(p.c_str(), now ? nullptr : &times));
 }
@@ -201,7 +201,7 @@ extern "C" TARVO_API void pxfutime_(const char* path, const std::int32_t*, const
 extern "C" TARVO_API void pxfpathconf_(const char* path, const std::int32_t* ilen, const std::int32_t* name,
                                        std::int32_t* ival, std::int32_t* ierror, std::size_t path_len) noexcept {
     // Only this routine holds ILEN against the declared length; the others take it as given.
-    if (ilen != nullptr && *ilen > frame::low32_length(path_len)) return report(ierror, EINVAL, EINVAL);
+    if (ilen != nullptr && *ilen > base::low32_length(path_len)) return report(ierror, EINVAL, EINVAL);
     on_path(path, ilen, path_len, ierror, [&](const char* p) {
         errno = 0;  // a name without a limit answers -1 and leaves errno alone: IERROR 0
         return posix::low32_result(ival, ::pathconf(p, *name));
@@ -213,7 +213,7 @@ extern "C" TARVO_API void pxfpathconf_(const char* path, const std::int32_t* ile
 // SUBROUTINE PXFOPENDIR(DIRNAME, LENDIRNAME, IDIRID, IERROR)
 extern "C" TARVO_API void pxfopendir_(const char* dirname, const std::int32_t* lendirname, std::int32_t* idirid,
                                       std::int32_t* ierror, std::size_t dirname_len) noexcept {
-    const posix::Path path(dirname, lendirname, dirname_len);
+    const posix::Path path = posix::path_arg(dirname, lendirname, dirname_len);
     if (!path) return report(ierror, errno);
     DIR* stream = ::opendir(path.c_str());
     if (stream == nullptr) {
@@ -252,7 +252,7 @@ extern "C" TARVO_API void pxfclosedir_(std::int32_t* idirid, std::int32_t* ierro
     posix::DirectoryStream* dir = posix::resolve_stream(idirid, ierror);
     if (dir == nullptr) return;
     report_host(ierror, ::closedir(dir->stream));  // the stream is gone either way
-    frame::release(dir);
+    base::release(dir);
     frame::free_alloc_handle(*idirid);
     *idirid = 0;
 }

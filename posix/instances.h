@@ -246,9 +246,9 @@ inline const StructType* type_of(const void* instance) noexcept {
 
 // --- owned texts ----------------------------------------------------------------------
 
-// Replaces `owned` with a heap copy of `length` characters, followed by a NUL when
-// `terminate` is set. False (errno ENOMEM, `owned` unchanged) when no memory is left.
-bool copy_text(OwnedText& owned, const char* text, std::size_t length, bool terminate = true) noexcept;
+// Replaces `owned` with a terminated heap copy of `length` characters. False (errno
+// ENOMEM, `owned` unchanged) when no memory is left.
+bool copy_text(OwnedText& owned, const char* text, std::size_t length) noexcept;
 void release_text(OwnedText& owned) noexcept;
 // Releases every member text and the member array; gr_mem null, members 0.
 void release_members(GroupInstance& group) noexcept;

@@ -1,5 +1,4 @@
-// The recurring steps of the PXF routines: reading a PXF name or a path, reporting through
-// IERROR, resolving a structure handle to an instance of the expected type, and storing a
+// The recurring steps of the PXF routines: reading a PXF name or a path, resolving a structure handle to an instance of the expected type, and storing a
 // text result with the ETRUNC rule.
 #pragma once
 
@@ -7,8 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/strings.h"
+#include "base/fstring.h"
 #include "posix/instances.h"
+#include "posix/report.h"
 
 namespace posix {
 
@@ -32,37 +32,17 @@ inline bool same_name(Name name, const char* text) noexcept {
     return text[name.length] == '\0';
 }
 
-// A path as a terminated heap copy for the length of a scope. A copy that cannot be made
-// leaves the object false and errno set: EINVAL for a null address or a negative length,
+// A path as a terminated heap copy, owned for the length of a scope. A copy that cannot
+// be made is empty and leaves errno set: EINVAL for a null address or a negative length,
 // ENOMEM when no memory is left.
-class Path {
-public:
-    // Exactly `length` characters of `text` (a NUL among them ends the path the host sees).
-    Path(const char* text, frame::flen length) noexcept;
-    // The path argument of the PXF path routines: with ILEN not 0, the first ILEN characters
-    // of PATH, whatever its declared length; with ILEN 0, the declared length (its low 32
-    // bits) less trailing white space by the private classifier, but never below one
-    // character, so an all-blank PATH is a path of one blank.
-    Path(const char* path, const std::int32_t* ilen, std::size_t path_len) noexcept;
-    ~Path();
-    Path(const Path&) = delete;
-    Path& operator=(const Path&) = delete;
-    explicit operator bool() const noexcept { return p_ != nullptr; }
-    const char* c_str() const noexcept { return p_; }
-
-private:
-    char* p_;
-};
-
-// IERROR receives `code`; the variants with `errno_value` also set the thread's errno.
-inline void report(std::int32_t* ierror, std::int32_t code) noexcept { *ierror = code; }
-inline void report(std::int32_t* ierror, std::int32_t code, int errno_value) noexcept {
-    errno = errno_value;
-    *ierror = code;
-}
-
-// IERROR for a host call that returns -1 on failure: the thread's errno then, else 0.
-inline void report_host(std::int32_t* ierror, long result) noexcept { *ierror = result == -1 ? errno : 0; }
+using Path = base::Owned<char>;
+// Exactly `length` characters of `text` (a NUL among them ends the path the host sees).
+Path path_copy(const char* text, base::flen length) noexcept;
+// The path argument of the PXF path routines: with ILEN not 0, the first ILEN characters
+// of PATH, whatever its declared length; with ILEN 0, the declared length (its low 32
+// bits) less trailing white space by the private classifier, but never below one
+// character, so an all-blank PATH is a path of one blank.
+Path path_arg(const char* path, const std::int32_t* ilen, std::size_t path_len) noexcept;
 
 // The instance an allocatable handle names, whatever its type, or null when the handle
 // names nothing (IERROR = ENOHANDLE, errno = EINVAL).

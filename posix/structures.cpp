@@ -2,36 +2,31 @@
 #include <cerrno>
 #include <cstring>
 
-#include "frame/api.h"
+#include "base/export.h"
 #include "frame/handles.h"
-#include "frame/memory.h"
+#include "base/memory.h"
 #include "posix/instances.h"
 #include "posix/pxf.h"
 #include <tarvo/posix.h>
 
 namespace posix {
 
-bool copy_text(OwnedText& owned, const char* text, std::size_t length, bool terminate) noexcept {
-    auto* copy = static_cast<char*>(frame::allocate(length + (terminate ? 1 : 0)));
-    if (copy == nullptr && length + terminate > 0) {
-        errno = ENOMEM;
-        return false;
-    }
-    if (length > 0) std::memcpy(copy, text, length);
-    if (terminate) copy[length] = '\0';
+bool copy_text(OwnedText& owned, const char* text, std::size_t length) noexcept {
+    base::Owned<char> copy = base::c_copy(text, length);
+    if (!copy) return false;
     release_text(owned);
-    owned = {copy, length};
+    owned = {copy.hand_over(), length};
     return true;
 }
 
 void release_text(OwnedText& owned) noexcept {
-    frame::release(owned.text);
+    base::release(owned.text);
     owned = {nullptr, 0};
 }
 
 void release_members(GroupInstance& group) noexcept {
-    for (std::int32_t i = 0; group.gr_mem != nullptr && i < group.members; ++i) frame::release(group.gr_mem[i]);
-    frame::release(group.gr_mem);
+    for (std::int32_t i = 0; group.gr_mem != nullptr && i < group.members; ++i) base::release(group.gr_mem[i]);
+    base::release(group.gr_mem);
     group.gr_mem = nullptr;
     group.members = 0;
 }
@@ -76,7 +71,7 @@ const StructType* type_named(Name name) noexcept {
 
 bool copy_members(GroupInstance& to, const GroupInstance& from) noexcept {
     if (from.members <= 0) return true;
-    to.gr_mem = static_cast<char**>(frame::allocate_zeroed(static_cast<std::size_t>(from.members), sizeof(char*)));
+    to.gr_mem = static_cast<char**>(base::allocate_zeroed(static_cast<std::size_t>(from.members), sizeof(char*)));
     if (to.gr_mem == nullptr) {
         errno = ENOMEM;
         return false;
@@ -126,12 +121,12 @@ extern "C" TARVO_API void pxfstructcreate_(const char* structname, std::int32_t*
                                            std::size_t structname_len) noexcept {
     const posix::StructType* type = posix::type_named(posix::pxf_name(structname, structname_len));
     if (type == nullptr) return posix::report(ierror, TARVO_ENONAME);
-    void* block = frame::allocate_zeroed(1, type->size);
+    void* block = base::allocate_zeroed(1, type->size);
     if (block == nullptr) return posix::report(ierror, TARVO_ENOHANDLE);
     std::memcpy(block, &type->tag, sizeof type->tag);
     *jhandle = frame::get_handle_from_alloc_address(block);
     if (*jhandle == 0) {
-        frame::release(block);  // nobody could ever reach it
+        base::release(block);  // nobody could ever reach it
         return posix::report(ierror, TARVO_ENOHANDLE);
     }
     *ierror = 0;
@@ -158,7 +153,7 @@ extern "C" TARVO_API void pxfstructfree_(std::int32_t* jhandle, std::int32_t* ie
     if (instance == nullptr) return;
     if (posix::type_of(instance) == nullptr) return posix::report(ierror, TARVO_ENONAME, EINVAL);
     posix::release_owned(instance);
-    frame::release(instance);
+    base::release(instance);
     frame::free_alloc_handle(*jhandle);
     *jhandle = 0;
     *ierror = 0;

@@ -3,7 +3,7 @@
 // operation's result to its arguments and IERROR. None of them sets errno.
 #include <cerrno>
 
-#include "frame/api.h"
+#include "base/export.h"
 #include "posix/pxf.h"
 #include "runtime/units.h"
 #include <tarvo/posix.h>
@@ -38,8 +38,8 @@ void put_char(std::int64_t unit, const char* ch, std::size_t ch_len, std::int32_
 // SUBROUTINE PXFPOSIXIO(NEW, OLD, IERROR)
 extern "C" TARVO_API void pxfposixio_(const std::int32_t* inew, std::int32_t* iold, std::int32_t* ierror) noexcept {
     *iold = runtime::__quenvatix_set_posix_io_flag(inew, iold, ierror);
-    // Turning the mode off reports EINVAL although the setting does change: kept as the
-    // interface has always behaved.
+    // Turning the mode off reports EINVAL although the setting does change: callers test
+    // IERROR to learn which way the mode went.
     *ierror = *inew == 0 ? EINVAL : 0;
 }
 

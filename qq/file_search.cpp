@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/api.h"
-#include "frame/memory.h"
-#include "frame/strings.h"
+#include "base/export.h"
+#include "base/memory.h"
+#include "base/fstring.h"
 #include "qq/qq.h"
 #include <tarvo/qq.h>
 
@@ -73,7 +73,8 @@ constexpr std::intptr_t kFailed = TARVO_FILE_ERROR;
 
 // Directory streams of the searches in progress. A handle is a positive number naming one
 // of them and is never given twice, so a stale or invented handle finds nothing instead of
-// reaching a closed stream. A search the caller abandons stays here, open, as it always has.
+// reaching a closed stream. A search the caller abandons stays here, open: the handle it holds may still
+// be passed back later.
 struct Search {
     std::intptr_t handle;
     DIR* stream;
@@ -83,7 +84,7 @@ Search* searches = nullptr;
 std::intptr_t last_handle = 0;
 
 std::intptr_t keep_search(DIR* stream) noexcept {
-    auto* search = static_cast<Search*>(frame::allocate(sizeof(Search)));
+    auto* search = static_cast<Search*>(base::allocate(sizeof(Search)));
     if (search == nullptr) return 0;
     last_handle = last_handle == INTPTR_MAX ? 1 : last_handle + 1;
     *search = {last_handle, stream, searches};
@@ -103,7 +104,7 @@ void close_search(std::intptr_t handle) noexcept {
         if (search->handle != handle) continue;
         *link = search->next;
         closedir(search->stream);
-        frame::release(search);
+        base::release(search);
         return;
     }
 }
@@ -111,8 +112,7 @@ void close_search(std::intptr_t handle) noexcept {
 std::int32_t fail_search(std::intptr_t* handle, int code) noexcept {
     close_search(*handle);
     *handle = kFailed;
-    runtime::record_errno(code);
-    return 0;
+    return qq::fail(code);
 }
 
 // What the searches of one routine look for: the directory ("pPath", kept with a "/"
@@ -129,7 +129,7 @@ SearchState info_state_i8;
 
 bool start_search(SearchState& state, const char* files, std::size_t files_len,
                   std::intptr_t* handle) noexcept {
-    frame::CString text(files, files_len);
+    auto text = base::c_string(files, files_len);
     if (!text) {
         fail_search(handle, ENOMEM);
         return false;
@@ -180,10 +180,7 @@ void fill(tarvo_file_info_i8& record, const struct stat& st) noexcept {
 template <class Record>
 std::int32_t next_file_info(SearchState& state, const char* files, std::size_t files_len,
                             Record* record, std::intptr_t* handle) noexcept {
-    if (handle == nullptr) {
-        runtime::record_errno(EINVAL);
-        return 0;
-    }
+    if (handle == nullptr) return qq::fail(EINVAL);
     if (record == nullptr) return fail_search(handle, EINVAL);
     if (*handle == kStart && !start_search(state, files, files_len, handle)) return 0;
     DIR* stream = stream_of(*handle);
@@ -196,11 +193,10 @@ std::int32_t next_file_info(SearchState& state, const char* files, std::size_t f
             close_search(*handle);
             *handle = error == 0 || error == ENOENT ? kEnded : kFailed;
             state.pattern[0] = '\0';
-            runtime::record_errno(ENOENT);
-            return 0;
+            return qq::fail(ENOENT);
         }
         if (patternMatch(entry->d_name, state.pattern) != 0) continue;
-        const frame::flen length = frame::CstrToFstr(record->name, entry->d_name, kNameMax, frame::unlimited);
+        const base::flen length = base::CstrToFstr(record->name, entry->d_name, kNameMax, base::unlimited);
         copy_bounded(state.full + state.path_length + 1, entry->d_name, kNameMax);
         struct stat st;
         if (stat(state.full, &st) != 0) return fail_search(handle, ENOENT);
@@ -222,7 +218,8 @@ extern "C" TARVO_API int search_path(char* out, const char* name, const char* di
     while (const dirent* entry = readdir(stream)) {
         if (std::strcmp(entry->d_name, name) != 0) continue;
         join_path(out, dir, name);
-        return 1;  // the stream stays open after a match: established behaviour, kept
+        base::keep(stream);  // the stream stays open after a match, as described
+        return 1;
     }
     closedir(stream);
     return 0;
@@ -233,32 +230,32 @@ extern "C" TARVO_API std::int32_t findfileqq_(const char* filename, const char* 
                                               std::size_t filename_len, std::size_t varname_len,
                                               std::size_t pathbuf_len) noexcept {
     errno = 0;
-    frame::blank_fill(pathbuf, frame::signed_length(pathbuf_len));
-    frame::CString file(filename, filename_len);
+    base::blank_fill(pathbuf, base::signed_length(pathbuf_len));
+    auto file = base::c_string(filename, filename_len);
     if (!file) return 0;
     const PathParts parts = split_at_last_slash(file.get());
     char found[kJoinedSize];
     bool hit = search_path(found, parts.name, parts.dir != nullptr ? parts.dir : ".") != 0;
     if (!hit) {
-        frame::CString variable(varname, varname_len);
+        auto variable = base::c_string(varname, varname_len);
         if (!variable) return 0;
         if (const char* value = std::getenv(variable.get())) {
-            char* list = frame::allocCstr(value, static_cast<frame::flen>(std::strlen(value)));
-            if (list == nullptr) {  // the copies are kept on this path, as they always were
-                (void)file.release();
-                (void)variable.release();
+            char* list = base::allocCstr(value, static_cast<base::flen>(std::strlen(value)));
+            if (list == nullptr) {  // the described routine keeps both copies on this path
+                base::keep(file.hand_over());
+                base::keep(variable.hand_over());
                 return 0;
             }
             char* save = nullptr;
             for (char* dir = strtok_r(list, ":", &save); dir != nullptr && !hit;
                  dir = strtok_r(nullptr, ":", &save))
                 hit = search_path(found, parts.name, dir) != 0;
-            frame::deallocCstr(list);
+            base::deallocCstr(list);
         }
     }
     const std::int32_t result =
-        hit ? static_cast<std::int32_t>(frame::store_fortran_string(pathbuf, pathbuf_len, found)) : 0;
-    if (result == 0) runtime::record_errno(ENOENT);
+        hit ? static_cast<std::int32_t>(base::store_fortran_string(pathbuf, pathbuf_len, found)) : 0;
+    if (result == 0) qq::fail(ENOENT);
     return result;
 }
 

@@ -2,15 +2,15 @@
 #include <cerrno>
 #include <cstring>
 
-#include "frame/api.h"
-#include "frame/strings.h"
+#include "base/export.h"
+#include "base/fstring.h"
 #include "qq/qq.h"
 #include <tarvo/qq.h>
 
 namespace {
 
 std::int32_t store(char* dst, std::size_t dst_len, const char* text) noexcept {
-    return static_cast<std::int32_t>(frame::store_fortran_string(dst, dst_len, text));
+    return static_cast<std::int32_t>(base::store_fortran_string(dst, dst_len, text));
 }
 
 }  // namespace
@@ -18,13 +18,12 @@ std::int32_t store(char* dst, std::size_t dst_len, const char* text) noexcept {
 // INTEGER(4) FUNCTION FULLPATHQQ(NAME, PATHBUF) -- characters stored, 0 on failure
 extern "C" TARVO_API std::int32_t fullpathqq_(const char* name, char* pathbuf, std::size_t name_len,
                                               std::size_t pathbuf_len) noexcept {
-    if (name == nullptr || pathbuf == nullptr) {
-        runtime::record_errno(EINVAL);
-        return 0;
-    }
-    // The copy is deliberately never released: the routine's established behaviour, kept.
-    const char* text = frame::allocCstr(name, frame::signed_length(name_len));
+    if (name == nullptr || pathbuf == nullptr) return qq::fail(EINVAL);
+    // The copy is never released: callers of long standing may hold on to what the
+    // routine saw, so the block stays.
+    const char* text = base::allocCstr(name, base::signed_length(name_len));
     if (text == nullptr) return 0;
+    base::keep(text);
     char resolved[qq::kResolvedSize];
     __lodrik_resolve_unix_path(text, resolved);
     return store(pathbuf, pathbuf_len, resolved);
@@ -35,16 +34,16 @@ extern "C" TARVO_API std::int32_t splitpathqq_(const char* path, char* drive, ch
                                                char* ext, std::size_t path_len, std::size_t drive_len,
                                                std::size_t dir_len, std::size_t name_len,
                                                std::size_t ext_len) noexcept {
-    frame::blank_fill(drive, frame::signed_length(drive_len));
-    frame::blank_fill(dir, frame::signed_length(dir_len));
-    frame::blank_fill(name, frame::signed_length(name_len));
-    frame::blank_fill(ext, frame::signed_length(ext_len));
-    frame::CString text(path, path_len);
+    base::blank_fill(drive, base::signed_length(drive_len));
+    base::blank_fill(dir, base::signed_length(dir_len));
+    base::blank_fill(name, base::signed_length(name_len));
+    base::blank_fill(ext, base::signed_length(ext_len));
+    auto text = base::c_string(path, path_len);
     if (!text || text.get()[0] == '\0') return 0;
     char resolved[qq::kResolvedSize];
     __lodrik_resolve_unix_path(text.get(), resolved);
     if (std::strlen(resolved) == 1) {  // the root: "/" goes straight into DIR
-        if (dir != nullptr && frame::signed_length(dir_len) >= 1) dir[0] = resolved[0];
+        if (dir != nullptr && base::signed_length(dir_len) >= 1) dir[0] = resolved[0];
         return 1;
     }
     char* slash = std::strrchr(resolved, '/');

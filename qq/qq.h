@@ -1,4 +1,4 @@
-// Steps shared by the QQ routines (which report failures with runtime::record_errno): path limits,
+// Steps shared by the QQ routines (which report failures through qq/report.h): path limits,
 // splitting and joining names, and the wildcard rule.
 #pragma once
 
@@ -6,15 +6,21 @@
 #include <cstddef>
 #include <cstring>
 
-#include "frame/strings.h"
-#include "runtime/errsns.h"
+#include "base/fstring.h"
+#include "qq/report.h"
+#include <tarvo/qq.h>
 
 namespace qq {
 
 constexpr std::size_t kDirMax = 1024;        // a directory, or a whole resolved name
 constexpr std::size_t kNameMax = 255;        // one name within a directory
-constexpr std::size_t kJoinedSize = 1283;    // directory, "/", name and terminator
-constexpr std::size_t kResolvedSize = 1032;  // what the callers of the resolver provide
+// The joined-name limit of the QQ routines; join_path uses at most 1281 bytes of it
+// (1024 + "/" + 255 + terminator).
+constexpr std::size_t kJoinedSize = 1283;
+static_assert(kDirMax + 1 + kNameMax + 1 <= kJoinedSize);
+// The buffer the resolver writes: a whole resolved name and its terminator.
+constexpr std::size_t kResolvedSize = TARVO_RESOLVED_SIZE;
+static_assert(kResolvedSize == kDirMax + 1);
 
 // Cuts a name at its last "/" (overwritten by a terminator): the directory before it and
 // the name after it. Without a "/", dir is null and name is the whole text.

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/api.h"
+#include "base/export.h"
 #include "qq/qq.h"
 #include <tarvo/qq.h>
 
@@ -157,8 +157,8 @@ extern "C" TARVO_API void __lodrik_resolve_unix_path(const char* path, char* res
     const char* rest = slash;
     for (;;) {
         const auto length = static_cast<std::size_t>(slash - path);
-        // The bounded copy of a leading part ends the process when the part is too long,
-        // as the checked copy always has.
+        // The bounded copy of a leading part ends the process when the part is too long:
+        // the checked copy refuses to go on with a cut directory name.
         if (length > kDirMax) std::abort();
         std::memcpy(part, path, length);
         part[length] = '\0';

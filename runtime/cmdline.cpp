@@ -5,8 +5,8 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include "frame/memory.h"
-#include "frame/strings.h"
+#include "base/memory.h"
+#include "base/fstring.h"
 #include "runtime/gfortran.h"
 
 namespace runtime {
@@ -26,16 +26,16 @@ void read_command_line() {
     const int fd = open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC);
     if (fd < 0) return;
     std::size_t capacity = 4096;
-    char* text = static_cast<char*>(frame::allocate(capacity));
+    char* text = static_cast<char*>(base::allocate(capacity));
     std::size_t length = 0;
     while (text != nullptr) {
         const ssize_t n = read(fd, text + length, capacity - length);
         if (n <= 0) break;
         length += static_cast<std::size_t>(n);
         if (length == capacity) {
-            char* bigger = static_cast<char*>(frame::allocate(capacity * 2));
+            char* bigger = static_cast<char*>(base::allocate(capacity * 2));
             if (bigger != nullptr) std::memcpy(bigger, text, length);
-            frame::release(text);
+            base::release(text);
             text = bigger;
             capacity *= 2;
         }
@@ -78,7 +78,7 @@ std::int32_t for_nargs() noexcept {
 void for_getarg(const std::int32_t* m, char* buf, std::int32_t* result, std::size_t buflen) noexcept {
     const std::int32_t number = m != nullptr ? *m : -1;
     if (number < 0 || number >= for_nargs()) {
-        frame::blank_fill(buf, frame::signed_length(buflen));
+        base::blank_fill(buf, base::signed_length(buflen));
         if (result != nullptr) *result = -1;
         return;
     }
@@ -90,7 +90,7 @@ void for_getarg(const std::int32_t* m, char* buf, std::int32_t* result, std::siz
     } else {
         const char* word = native_word(number);
         length = static_cast<std::int32_t>(std::strlen(word));
-        frame::CstrToFstr(buf, word, frame::signed_length(buflen), length);
+        base::CstrToFstr(buf, word, base::signed_length(buflen), length);
     }
     if (result != nullptr) *result = length;
 }

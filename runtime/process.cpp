@@ -8,8 +8,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "base/export.h"
 #include "runtime/gfortran.h"
 #include "runtime/units.h"
+#include <tarvo/runtime.h>
 
 namespace runtime {
 namespace {
@@ -80,3 +82,6 @@ int for__intermediate_establish() noexcept { return 0; }
 std::int32_t for_mabrel_version() noexcept { return 1; }
 
 }  // namespace runtime
+
+// INTEGER FUNCTION FOR_MABREL_VERSION() -- the companion run-time's version code
+extern "C" TARVO_API std::int32_t for_mabrel_version_() noexcept { return runtime::for_mabrel_version(); }

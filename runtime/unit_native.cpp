@@ -5,7 +5,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include "frame/memory.h"
+#include "base/memory.h"
 #include "runtime/unit_backend.h"
 #include "runtime/units.h"
 
@@ -40,10 +40,10 @@ NativeUnit* find(std::int64_t unit) noexcept {
 
 bool grow() noexcept {
     const std::size_t wanted = capacity * 2;
-    auto* bigger = static_cast<NativeUnit*>(frame::allocate(wanted * sizeof(NativeUnit)));
+    auto* bigger = static_cast<NativeUnit*>(base::allocate(wanted * sizeof(NativeUnit)));
     if (bigger == nullptr) return false;
     std::memcpy(bigger, table, used * sizeof(NativeUnit));
-    if (table != preconnected) frame::release(table);
+    if (table != preconnected) base::release(table);
     table = bigger;
     capacity = wanted;
     return true;

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "frame/api.h"
-#include "frame/strings.h"
+#include "base/export.h"
+#include "base/fstring.h"
 #include "runtime/unit_backend.h"
 #include <tarvo/runtime.h>
 
@@ -38,15 +38,15 @@ bool valid_origin(std::int64_t origin) noexcept { return origin >= 0 && origin <
 // action words READ, WRITE, READWRITE, APPEND; case and trailing blanks do not matter.
 // A blank text takes the descriptor's own mode.
 bool parse_access(const char* text, std::size_t length, int fd_flags, UnitAccess& access) noexcept {
-    const frame::flen n = frame::trimmed_length(text, frame::signed_length(length));
+    const base::flen n = base::trimmed_length(text, base::signed_length(length));
     const int mode = fd_flags & O_ACCMODE;
     if (n == 0) {
         access = {mode != O_WRONLY, mode != O_RDONLY, (fd_flags & O_APPEND) != 0};
         return true;
     }
     char word[16] = {};
-    if (n >= static_cast<frame::flen>(sizeof word)) return false;
-    for (frame::flen i = 0, j = 0; i < n; ++i)
+    if (n >= static_cast<base::flen>(sizeof word)) return false;
+    for (base::flen i = 0, j = 0; i < n; ++i)
         if (text[i] != 'b' && text[i] != 'B')
             word[j++] = static_cast<char>(text[i] >= 'A' && text[i] <= 'Z' ? text[i] + 32 : text[i]);
     struct Row { const char* word; UnitAccess access; };

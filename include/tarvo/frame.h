@@ -38,8 +38,6 @@ void __tarvo_lib_err(int32_t code) TARVO_NOEXCEPT;
 extern char for__portlib_version_string[];
 /* INTEGER FUNCTION FOR_LODRIK_VERSION(STRING): the version text; returns 3. */
 int32_t for_lodrik_version_(char *string, tarvo_len_t string_len) TARVO_NOEXCEPT;
-/* INTEGER FUNCTION FOR_MABREL_VERSION(): the companion run-time's version code. */
-int32_t for_mabrel_version_(void) TARVO_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -9,7 +9,9 @@ extern "C" {
 #endif
 
 /* Path resolution: the absolute, canonical form of a terminated name, also for names that
-   do not exist, into a buffer of at least 1025 bytes. */
+   do not exist, into a buffer of at least TARVO_RESOLVED_SIZE bytes (1024 characters and
+   the terminator). */
+#define TARVO_RESOLVED_SIZE 1025
 void __lodrik_resolve_unix_path(const char *path, char *resolved) TARVO_NOEXCEPT;
 
 /* Path splitting and full paths */

@@ -12,6 +12,8 @@ extern "C" {
 int32_t flushqq_(const int32_t *unit) TARVO_NOEXCEPT;
 /* LOGICAL(4) FUNCTION COMMITQQ(IUNIT): flushes the unit and commits it to storage. */
 int32_t commitqq_(const int32_t *unit) TARVO_NOEXCEPT;
+/* INTEGER FUNCTION FOR_MABREL_VERSION(): the companion run-time's version code. */
+int32_t for_mabrel_version_(void) TARVO_NOEXCEPT;
 
 #ifdef __cplusplus
 }

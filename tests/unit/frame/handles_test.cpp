@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "frame/handles.h"
-#include "frame/memory.h"
+#include "base/memory.h"
 #include "support/support.h"
 
 namespace {
@@ -13,7 +13,7 @@ using frame::HandleTable;
 class Handles : public ::testing::Test {
 protected:
     void TearDown() override {
-        frame::testing::allow_allocations();
+        base::testing::allow_allocations();
         frame::destroy_handle_table();
         frame::init_handle_table();
     }
@@ -90,9 +90,9 @@ TEST_F(Handles, StaticTableGrowsPastItsFirstBlock) {
 
 TEST_F(Handles, NoMemoryForANewBlockGivesZeroAndChangesNothing) {
     for (int i = 0; i < 255; ++i) frame::get_handle_from_alloc_address(object(i));
-    frame::testing::fail_allocations_after(0);
+    base::testing::fail_allocations_after(0);
     EXPECT_EQ(frame::get_handle_from_alloc_address(object(255)), 0);
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_EQ(frame::get_address_from_handle(257, HandleTable::allocatable), nullptr);
     EXPECT_EQ(frame::get_handle_from_alloc_address(object(255)), 257);
 }

@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <tuple>
 
-#include "frame/memory.h"
-#include "runtime/errsns.h"
+#include "base/memory.h"
+#include "base/record.h"
 #include "runtime/units.h"
 #include "support/support.h"
 #include <tarvo/frame.h>
@@ -50,7 +50,7 @@ TEST_F(StatArrays, SizeBeyondInteger4GivesErangeButAFullArray) {
     ASSERT_EQ(ftruncate(fd, 3LL << 30), 0);  // 3 GiB, sparse
     std::int32_t s4[13] = {};
     std::int64_t s8[13] = {};
-    EXPECT_EQ((tuple{stat_("big", s4, 3), errno, ierrno_(), runtime::last_recorded_error(), s4[7],
+    EXPECT_EQ((tuple{stat_("big", s4, 3), errno, ierrno_(), base::last_recorded_error(), s4[7],
                      stati8_("big", s8, 3), s8[7]}),
               tuple(ERANGE, ERANGE, ERANGE, ERANGE, -1, 0, 3LL << 30));
     EXPECT_TRUE(S_ISREG(s4[2]));
@@ -62,9 +62,9 @@ TEST_F(StatArrays, FailuresAreRecordedAndLeaveTheArray) {
     EXPECT_EQ((tuple{stat_("missing", a, 7), ierrno_(), fstat_(&closed, a), fstat_(nullptr, a), stat_("x", nullptr, 1),
                      ierrno_(), a[0]}),
               tuple(ENOENT, ENOENT, EINVAL, EINVAL, EINVAL, EINVAL, 42));
-    frame::testing::fail_allocations_after(0);
+    base::testing::fail_allocations_after(0);
     const std::int32_t rc = lstat_("x", a, 1);
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_EQ((tuple{rc, ierrno_()}), tuple(ENOMEM, ENOMEM));
     ASSERT_EQ(runtime::for_fdopen(open("/dev/null", O_RDWR), dev_null, "r+", 2), 0);
     EXPECT_EQ(fstat_(&dev_null, a), 0);

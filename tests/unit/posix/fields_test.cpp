@@ -169,11 +169,14 @@ TEST(FieldTexts, TruncationAndLengths) {
     // The user lookups store exactly the characters; reading goes by the stored length.
     Instance passwd("passwd");
     auto& user = *static_cast<posix::PasswdInstance*>(instance_of(passwd.handle));
-    ASSERT_TRUE(posix::copy_text(user.pw_dir, "/home/ann", 9, false));
+    ASSERT_TRUE(posix::copy_text(user.pw_dir, "/home/ann/x", 9));
     EXPECT_EQ(text_of(passwd.handle, "pw_dir"), "/home/ann");
-    frame::testing::fail_allocations_after(0);
+    user.pw_dir.length = 5;
+    EXPECT_EQ(text_of(passwd.handle, "pw_dir"), "/home");
+    user.pw_dir.length = 9;
+    base::testing::fail_allocations_after(0);
     EXPECT_EQ(set_text(passwd.handle, "pw_dir", "/elsewhere"), ENOMEM);
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_EQ(text_of(passwd.handle, "pw_dir"), "/home/ann");
 }
 
@@ -181,7 +184,7 @@ TEST(FieldTexts, GroupMembersFromOneUpToTheCount) {
     Instance group("group");
     fill_group(group.handle, {"operator", "gone"});
     auto& instance = *static_cast<posix::GroupInstance*>(instance_of(group.handle));
-    frame::release(instance.gr_mem[1]);
+    base::release(instance.gr_mem[1]);
     instance.gr_mem[1] = nullptr;  // an absent member reads as empty
     FString four(4, '#');
     std::int32_t ilen = 0;

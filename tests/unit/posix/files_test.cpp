@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <set>
 
-#include "frame/memory.h"
+#include "base/memory.h"
 #include "posix/pxf_support.h"
 
 namespace {
@@ -48,9 +48,9 @@ TEST_F(Files, PathArgumentRule) {
     }
     std::int32_t minus = -1, fd = -7, flags = O_RDONLY, mode = 0;
     EXPECT_EQ(ierror_of(pxfopen_, "x", &minus, &flags, &mode, &fd, kIerror, 1), EINVAL);
-    frame::testing::fail_allocations_after(0);
+    base::testing::fail_allocations_after(0);
     EXPECT_EQ(VALUES(call(pxfopen_, "x", &flags, &mode, &fd), fd), tuple(ENOMEM, -7));  // FD untouched
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
 }
 
 TEST_F(Files, HostErrorsAndResults) {
@@ -196,9 +196,9 @@ TEST_F(Files, NoDescriptorOrHandleIsLeft) {
         call(pxfopendir_, ".", &dir);
         ASSERT_EQ(ierror_of(pxfclose_, &fd, kIerror) + ierror_of(pxfclosedir_, &dir, kIerror), 0);
     }
-    frame::testing::fail_allocations_after(1);  // the path is copied, the stream's block is not
+    base::testing::fail_allocations_after(1);  // the path is copied, the stream's block is not
     EXPECT_EQ(VALUES(call(pxfopendir_, ".", &dir), dir), tuple(TARVO_ENOHANDLE, 0));
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_EQ(descriptors(), before);
 }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "frame/handles.h"
-#include "frame/memory.h"
+#include "base/memory.h"
 #include "posix/instances.h"
 #include "support/support.h"
 #include <tarvo/posix.h>
@@ -104,7 +104,7 @@ inline void fill_group(std::int32_t handle, const std::vector<std::string>& memb
     auto& group = *static_cast<posix::GroupInstance*>(instance_of(handle));
     ASSERT_EQ(set_text(handle, "gr_name", "staff"), 0);
     posix::release_members(group);
-    group.gr_mem = static_cast<char**>(frame::allocate_zeroed(members.size(), sizeof(char*)));
+    group.gr_mem = static_cast<char**>(base::allocate_zeroed(members.size(), sizeof(char*)));
     group.members = group.gr_nmem = static_cast<std::int32_t>(members.size());
     for (std::size_t i = 0; i < members.size(); ++i) {
         posix::OwnedText text{};

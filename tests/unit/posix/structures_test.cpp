@@ -36,9 +36,9 @@ TEST(Instances, UnknownTypeNameOrNoMemoryLeavesTheHandleAlone) {
     }
     std::int32_t handle = 42;
     EXPECT_EQ(ierror_of(pxfstructcreate_, nullptr, &handle, kIerror, 4), TARVO_ENONAME);
-    frame::testing::fail_allocations_after(0);
+    base::testing::fail_allocations_after(0);
     EXPECT_EQ(VALUES(create("stat", handle), handle), tuple(TARVO_ENOHANDLE, 42));
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
 }
 
 #if TARVO_HANDLE_TABLES
@@ -53,10 +53,10 @@ TEST(Instances, HandlesAreReusedLowestFirstAndThe256thIs257) {
     // When the chain cannot grow, the new instance gets handle 0 and is not kept.
     handles.resize(510);
     for (std::size_t i = 300; i < handles.size(); ++i) ASSERT_EQ(create("flock", handles[i]), 0);
-    frame::testing::fail_allocations_after(1);  // the instance, not the next table block
+    base::testing::fail_allocations_after(1);  // the instance, not the next table block
     std::int32_t refused = 42;
     EXPECT_EQ(VALUES(create("flock", refused), refused), tuple(TARVO_ENOHANDLE, 0));
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     for (auto& h : handles) ASSERT_EQ(free_instance(h), 0);
 }
 #endif
@@ -131,15 +131,15 @@ TEST(Copies, RunningOutOfMemoryStopsWhereItIs) {
     const std::int32_t s = source.handle, t = target.handle;
     ASSERT_EQ(set_text(s, "pw_name", "ann") + set_text(s, "pw_dir", "/home/ann") + set_text(s, "pw_shell", "/bin/sh"),
               0);
-    frame::testing::fail_allocations_after(1);
+    base::testing::fail_allocations_after(1);
     EXPECT_EQ(copy("passwd", s, t), ENOMEM);
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_EQ(text_of(t, "pw_name") + "," + text_of(t, "pw_dir") + "," + text_of(t, "pw_shell"), "ann,,");
 
     fill_group(group.handle, {"a", "b", "c"});
-    frame::testing::fail_allocations_after(2);  // the name, the member array, then none
+    base::testing::fail_allocations_after(2);  // the name, the member array, then none
     EXPECT_EQ(copy("group", group.handle, group_copy.handle), ENOMEM);
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_EQ(member(group_copy.handle, 1) + member(group_copy.handle, 3), "");
 }
 

@@ -9,8 +9,8 @@
 #include <set>
 #include <string>
 
-#include "frame/memory.h"
-#include "runtime/errsns.h"
+#include "base/memory.h"
+#include "base/record.h"
 #include "support/support.h"
 #include <tarvo/qq.h>
 
@@ -53,26 +53,26 @@ TEST_F(Maintenance, DelfilesDeletesExactlyTheMatchingRegularFiles) {
     // Failures delete nothing; no path leaves the working directory elsewhere.
     write_file("many/x.tmp", "");
     for (const char* files : {"missing/*", "/x.tmp", "p.tmp/*"}) EXPECT_EQ(call(delfilesqq_, files), 0) << files;
-    frame::testing::fail_allocations_after(0);
+    base::testing::fail_allocations_after(0);
     EXPECT_EQ(call(delfilesqq_, "*"), 0);
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_TRUE(cwd() == path("many") && entries(".").count("x.tmp") == 1);
 }
 
 TEST_F(Maintenance, DirectoriesRenamesAndTimes) {
-    runtime::for_errsns_load(0, 0, 0, 0, 0);
+    base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_TRUE(call(makedirqq_, "d  ") == 1 && mode_of("d") == 0755u && call(makedirqq_, "d") == 0);
-    EXPECT_EQ(runtime::last_recorded_error(), 0);  // MAKEDIRQQ records nothing
+    EXPECT_EQ(base::last_recorded_error(), 0);  // MAKEDIRQQ records nothing
     EXPECT_TRUE(call(changedirqq_, "d") == 1 && cwd() == path("d") && call(changedirqq_, "..") == 1);
-    EXPECT_TRUE(call(changedirqq_, "nope") == 0 && runtime::last_recorded_error() == ENOENT);
+    EXPECT_TRUE(call(changedirqq_, "nope") == 0 && base::last_recorded_error() == ENOENT);
     EXPECT_TRUE(renamefileqq_("d", "e", 1, 1) == 1 && renamefileqq_("d", "e", 1, 1) == 0);
-    EXPECT_EQ(runtime::last_recorded_error(), ENOENT);
+    EXPECT_EQ(base::last_recorded_error(), ENOENT);
     EXPECT_TRUE(call(deldirqq_, "e") == 1 && call(deldirqq_, "e") == 0);
     for (long successes : {0L, 1L}) {  // either name without memory
-        frame::testing::fail_allocations_after(successes);
+        base::testing::fail_allocations_after(successes);
         EXPECT_EQ(renamefileqq_("a", "b", 1, 1) + call(changedirqq_, "x") + call(makedirqq_, "x"), 0);
-        frame::testing::allow_allocations();
-        EXPECT_EQ(runtime::last_recorded_error(), ENOMEM);
+        base::testing::allow_allocations();
+        EXPECT_EQ(base::last_recorded_error(), ENOMEM);
     }
     write_file("f", "");
     struct stat st {};
@@ -83,7 +83,7 @@ TEST_F(Maintenance, DirectoriesRenamesAndTimes) {
         EXPECT_TRUE(want - st.st_mtime <= 2 && want - st.st_atime <= 2 && st.st_mtime <= want) << when;
     }
     const std::int32_t zero = 0;
-    EXPECT_TRUE(setfiletimeqq_("g", &zero, 1) == 0 && runtime::last_recorded_error() == ENOENT);
+    EXPECT_TRUE(setfiletimeqq_("g", &zero, 1) == 0 && base::last_recorded_error() == ENOENT);
     EXPECT_EQ(setfiletimeqq_("f", nullptr, 1), 0);
 }
 
@@ -93,10 +93,10 @@ TEST_F(Maintenance, DriveRoutinesReportNoDrives) {
     EXPECT_EQ(getdrivedirqq_(blank.data(), blank.size()), static_cast<std::int32_t>(dir().size()));
     EXPECT_EQ(blank.trimmed(), dir());
     EXPECT_TRUE(getdrivedirqq_(tiny.data(), tiny.size()) == 0 && tiny.text == "   ");  // too short
-    frame::testing::fail_allocations_after(0);
+    base::testing::fail_allocations_after(0);
     EXPECT_EQ(getdrivedirqq_(named.data() + 2, 8), 0);
-    frame::testing::allow_allocations();
-    EXPECT_EQ(runtime::last_recorded_error(), ENOMEM);
+    base::testing::allow_allocations();
+    EXPECT_EQ(base::last_recorded_error(), ENOMEM);
     getdrivesqq_(drives.data(), drives.size());
     EXPECT_EQ(drives.text, std::string(26, ' '));
 }

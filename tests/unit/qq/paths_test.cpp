@@ -1,7 +1,7 @@
 // FULLPATHQQ and SPLITPATHQQ, called as Fortran calls them.
 #include <cerrno>
 
-#include "runtime/errsns.h"
+#include "base/record.h"
 #include "support/support.h"
 #include <tarvo/qq.h>
 
@@ -31,15 +31,15 @@ TEST_F(Paths, SplitAndFullPath) {
     EXPECT_EQ(fullpathqq_("a/../b.dat ", buf.data(), 11, buf.size()), static_cast<std::int32_t>(dir().size() + 6));
     EXPECT_EQ(buf.trimmed(), dir() + "/b.dat");
     // Cut outputs keep their leading characters and report the full length, with 22 recorded.
-    runtime::for_errsns_load(0, 0, 0, 0, 0);
+    base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_EQ(split("/usr/lib/libx.a", 4), "9|   |/usr|libx|.a");
-    EXPECT_EQ(runtime::last_recorded_error(), EINVAL);
-    runtime::for_errsns_load(0, 0, 0, 0, 0);
+    EXPECT_EQ(base::last_recorded_error(), EINVAL);
+    base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_TRUE(fullpathqq_("b", shorter.data(), 1, 5) == 5 && shorter.text == dir().substr(0, 5));
-    EXPECT_EQ(runtime::last_recorded_error(), EINVAL);
-    runtime::for_errsns_load(0, 0, 0, 0, 0);
+    EXPECT_EQ(base::last_recorded_error(), EINVAL);
+    base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_EQ(fullpathqq_(nullptr, buf.data(), 1, buf.size()) + fullpathqq_("b", nullptr, 1, 5), 0);
-    EXPECT_EQ(runtime::last_recorded_error(), EINVAL);
+    EXPECT_EQ(base::last_recorded_error(), EINVAL);
 }
 
 }  // namespace

@@ -7,10 +7,11 @@
 #include <ctime>
 
 #include "runtime/cmdline.h"
-#include "runtime/errsns.h"
+#include "base/record.h"
 #include "runtime/process.h"
 #include "runtime/units.h"
 #include "support/support.h"
+#include <tarvo/runtime.h>
 
 namespace {
 
@@ -101,11 +102,14 @@ TEST(ProgramEnd, AbortPrintsTheMessageAndRaisesSigabrt) {
 }
 
 TEST(ErrorRecorder, KeepsTheLastNumber) {
-    runtime::for_errsns_load(0, 42, 0, 0, 0);
-    runtime::for_errsns_load(1, 7, 2, 3, 4);
-    EXPECT_EQ(runtime::last_recorded_error(), 7);
+    base::for_errsns_load(0, 42, 0, 0, 0);
+    base::for_errsns_load(1, 7, 2, 3, 4);
+    EXPECT_EQ(base::last_recorded_error(), 7);
 }
 
-TEST(Stand_ins, IntermediateEstablishAnswersNo) { EXPECT_EQ(runtime::for__intermediate_establish(), 0); }
+TEST(Stand_ins, IntermediateEstablishAnswersNoAndVersionIsOne) {
+    EXPECT_EQ(runtime::for__intermediate_establish(), 0);
+    EXPECT_EQ(for_mabrel_version_(), 1);
+}
 
 }  // namespace

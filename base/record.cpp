@@ -1,9 +1,9 @@
-#include "runtime/errsns.h"
+#include "base/record.h"
 
 #include <atomic>
 #include <cerrno>
 
-namespace runtime {
+namespace base {
 namespace {
 std::atomic<int> recorded_error{0};
 }
@@ -19,4 +19,4 @@ void record_errno(int code) noexcept {
 
 int last_recorded_error() noexcept { return recorded_error.load(std::memory_order_relaxed); }
 
-}  // namespace runtime
+}  // namespace base

@@ -1,16 +1,15 @@
-// The run-time's error-number recorder.
+// The error recorder: where the run-time keeps the last error number a routine reported.
 #pragma once
 
-namespace runtime {
+namespace base {
 
 // Records an error number (the second argument) for the run-time's own error reporting.
 void for_errsns_load(int, int error_number, int, int, int) noexcept;
 
-// Sets the thread's errno to code and records it: how failures are reported where no
-// error cell of the library is involved.
+// Sets the thread's errno to code and records it.
 void record_errno(int code) noexcept;
 
 // The number recorded last (0 before any); this is what tests read.
 int last_recorded_error() noexcept;
 
-}  // namespace runtime
+}  // namespace base

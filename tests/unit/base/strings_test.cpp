@@ -2,25 +2,25 @@
 #include <cerrno>
 #include <cstring>
 
-#include "frame/memory.h"
-#include "frame/strings.h"
-#include "runtime/errsns.h"
+#include "base/memory.h"
+#include "base/fstring.h"
+#include "base/record.h"
 #include "support/support.h"
 #include <tarvo/frame.h>
 
 namespace {
 
-using frame::allocCstr;
-using frame::CstrToFstr;
+using base::allocCstr;
+using base::CstrToFstr;
 
 struct Cstr {
     char* p;
-    Cstr(const char* s, frame::flen n) : p(allocCstr(s, n)) {}
-    ~Cstr() { frame::deallocCstr(p); }
+    Cstr(const char* s, base::flen n) : p(allocCstr(s, n)) {}
+    ~Cstr() { base::deallocCstr(p); }
 };
 
 TEST(Conversion, DropsOnlyTrailingBlanksAndKeepsTheSpareBytes) {
-    struct Case { const char* text; frame::flen len; const char* want; };
+    struct Case { const char* text; base::flen len; const char* want; };
     const Case cases[] = {{"ab  ", 4, "ab"}, {"  ab", 4, "  ab"}, {"ab\t", 3, "ab\t"},
                           {"    ", 4, ""},   {"abc", 0, ""},      {"abc", -5, ""}};
     for (const Case& c : cases) {
@@ -38,17 +38,17 @@ TEST(Conversion, FailuresRecordTheirErrorNumber) {
     errno = 0;
     EXPECT_EQ(allocCstr(nullptr, 4), nullptr);
     EXPECT_EQ(errno, EINVAL);
-    EXPECT_EQ(runtime::last_recorded_error(), EINVAL);
-    frame::testing::fail_allocations_after(0);
+    EXPECT_EQ(base::last_recorded_error(), EINVAL);
+    base::testing::fail_allocations_after(0);
     const char* p = allocCstr("abc", 3);
-    frame::testing::allow_allocations();
+    base::testing::allow_allocations();
     EXPECT_EQ(p, nullptr);
     EXPECT_EQ(errno, ENOMEM);
-    EXPECT_EQ(runtime::last_recorded_error(), ENOMEM);
+    EXPECT_EQ(base::last_recorded_error(), ENOMEM);
 }
 
 TEST(Results, CopyPadAndTruncation) {
-    struct Case { const char* src; frame::flen dlen, smax; const char* want; frame::flen copied; bool cut; };
+    struct Case { const char* src; base::flen dlen, smax; const char* want; base::flen copied; bool cut; };
     const Case cases[] = {
         {"abc", 6, 100, "abc   ", 3, false}, {"abc", 3, 100, "abc", 3, false},
         {"abc", 2, 100, "ab", 2, true},       {"abc", 2, 2, "ab", 2, true},  // looks past smax
@@ -60,7 +60,7 @@ TEST(Results, CopyPadAndTruncation) {
         char dst[8];
         std::memset(dst, 'x', sizeof dst);
         errno = 0;
-        const frame::flen copied = CstrToFstr(dst, c.src, c.dlen, c.smax);
+        const base::flen copied = CstrToFstr(dst, c.src, c.dlen, c.smax);
         const int error = errno;
         EXPECT_EQ(copied, c.copied) << c.dlen << ' ' << c.smax;
         EXPECT_EQ(std::string(dst, static_cast<std::size_t>(c.dlen)), c.want);
@@ -97,8 +97,8 @@ TEST(UnsignedCompare, OrdersAsUnsignedAndWrapsTheDifference) {
 }
 
 TEST(WhiteSpace, PrivateClassifier) {
-    for (int c : {' ', '\t', '\n', '\v', '\f', '\r'}) EXPECT_EQ(frame::isspace(c), 1) << c;
-    for (int c : {int{'a'}, 0, 0xE9}) EXPECT_EQ(frame::isspace(c), 0) << c;
+    for (int c : {' ', '\t', '\n', '\v', '\f', '\r'}) EXPECT_EQ(base::isspace(c), 1) << c;
+    for (int c : {int{'a'}, 0, 0xE9}) EXPECT_EQ(base::isspace(c), 0) << c;
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
-#include "frame/memory.h"
+#include "base/memory.h"
 
 #include <atomic>
 #include <cstdlib>
 
-namespace frame {
+// Present only when the process carries the leak checker.
+extern "C" void __lsan_ignore_object(const void*) __attribute__((weak));
+
+namespace base {
 namespace {
 // -1: no failure injected; otherwise the number of allocations still allowed.
 std::atomic<long> allowed_allocations{-1};
@@ -29,6 +32,10 @@ void* allocate_zeroed(std::size_t count, std::size_t size) noexcept {
 
 void release(void* block) noexcept { std::free(block); }
 
+void keep(const void* block) noexcept {
+    if (block != nullptr && __lsan_ignore_object != nullptr) __lsan_ignore_object(block);
+}
+
 namespace testing {
 void fail_allocations_after(long successes) noexcept {
     allowed_allocations.store(successes < 0 ? 0 : successes, std::memory_order_relaxed);
@@ -36,4 +43,4 @@ void fail_allocations_after(long successes) noexcept {
 void allow_allocations() noexcept { allowed_allocations.store(-1, std::memory_order_relaxed); }
 }  // namespace testing
 
-}  // namespace frame
+}  // namespace base
