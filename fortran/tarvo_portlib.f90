@@ -17,6 +17,9 @@ module tarvo_portlib
   integer, parameter :: CLOCK_LEN = 8, DATE_LEN = 9, DATE4_LEN = 11, JDATE_LEN = 5, &
                         JDATE4_LEN = 7, FDATE_LEN = 24, CTIME_LEN = 24
 
+  ! Named constants written from the library's C tables.
+  include 'tarvo_portlib_generated.inc'
+
   interface
     ! --- errors and strings --------------------------------------------------------
     ! Last error number recorded by a classic routine.

@@ -8,13 +8,10 @@ module tarvo_qq
   ! Search handles of GETFILEINFOQQ: an address-sized integer. FILE_FIRST starts a search;
   ! the search ends with FILE_LAST (normal end) or FILE_ERROR (failure).
   integer, parameter :: FILE_HANDLE_KIND = c_intptr_t
-  integer(FILE_HANDLE_KIND), parameter :: FILE_FIRST = -1, FILE_LAST = -2, FILE_ERROR = -3
-
-  ! The permit field of a file-information record.
-  integer(4), parameter :: FILE_READONLY = 1, FILE_DEVICE = 4, FILE_DIR = 16
-
-  ! SETFILETIMEQQ: the current time.
-  integer(4), parameter :: FILE_CURTIME = -1
+  ! FILE_FIRST, FILE_LAST, FILE_ERROR; the permit bits FILE_READONLY, FILE_DEVICE, FILE_DIR;
+  ! FILE_CURTIME (SETFILETIMEQQ: the current time); the error numbers ERR_NOENT ... as the
+  ! QQ routines record them; each also under its dollar-sign name (FILE$FIRST, ERR$NOENT).
+  include 'tarvo_qq_generated.inc'
 
   ! The records GETFILEINFOQQ fills (275 bytes, packed).
   type FILE_INFO

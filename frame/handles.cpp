@@ -14,15 +14,20 @@ namespace {
 // in the last slot, the link to the next block. Threads of a Fortran program create and
 // free handles at once, so every slot is claimed with a compare-and-swap and a block is
 // linked in the same way: no lock, nothing to reset in a forked child, and a lookup is
-// one load. Blocks are never unlinked before unload.
+// one load. Blocks are never unlinked before unload. The allocatable table also keeps an
+// occupancy bitmap per block, so finding the lowest free slot takes a few word reads
+// instead of a walk over 255 slots.
 constexpr int kSlotsPerBlock = 255;
 constexpr int kFirstStaticSlot = 15;  // the first static handle ever given is 16
+
+constexpr int kBitmapWords = 4;
 
 struct Block {
     std::atomic<std::uintptr_t> slot[kSlotsPerBlock];
     std::atomic<Block*> next;
+    std::atomic<std::uint64_t> used[kBitmapWords];  // allocatable table: slots taken
 };
-static_assert(sizeof(Block) == 256 * sizeof(void*));
+static_assert(kBitmapWords * 64 > kSlotsPerBlock);
 static_assert(std::atomic<std::uintptr_t>::is_always_lock_free);
 
 Block AllocatableHandles;
@@ -43,35 +48,52 @@ Block* block_of(std::int32_t handle, Block& first) noexcept {
     return block;
 }
 
-// Claims a free slot for address; true when it is ours.
-bool claim_free(std::atomic<std::uintptr_t>& slot, std::uintptr_t address) noexcept {
-    std::uintptr_t held = slot.load(std::memory_order_relaxed);
-    return held == 0 && slot.compare_exchange_strong(held, address, std::memory_order_acq_rel);
-}
-
-// True when the slot holds address, or was free and now holds it.
-bool claim_same_or_free(std::atomic<std::uintptr_t>& slot, std::uintptr_t address) noexcept {
-    std::uintptr_t held = slot.load(std::memory_order_acquire);
-    if (held == 0 && !slot.compare_exchange_strong(held, address, std::memory_order_acq_rel)) {
-        return held == address;  // another thread filled it first, perhaps with the same address
+// Takes the lowest free slot of a block of the allocatable table for address; -1 when
+// the block is full. The bit is taken first, so no other thread can take the slot.
+int claim_lowest_free(Block& block, int first_slot, std::uintptr_t address) noexcept {
+    for (int word = first_slot / 64; word < kBitmapWords; ++word) {
+        std::uint64_t taken = block.used[word].load(std::memory_order_relaxed);
+        while (~taken != 0) {
+            const int bit = __builtin_ctzll(~taken);
+            const int slot = word * 64 + bit;
+            if (slot >= kSlotsPerBlock) break;
+            const std::uint64_t mask = std::uint64_t{1} << bit;
+            taken = block.used[word].fetch_or(mask, std::memory_order_acq_rel);
+            if ((taken & mask) == 0) {
+                block.slot[slot].store(address, std::memory_order_release);
+                return slot;
+            }
+        }
     }
-    return held == 0 || held == address;
+    return -1;
 }
 
-// Walks the chain from `first_slot` (first block only) and claims the first slot `claim`
-// accepts. A full chain grows by one block whose slot 0 receives the address.
+// The static table: the slot that already holds address, else the first free one, which
+// then receives it; -1 when the block has neither. Static slots are never freed.
+int claim_same_or_free(Block& block, int first_slot, std::uintptr_t address) noexcept {
+    for (int slot = first_slot; slot < kSlotsPerBlock; ++slot) {
+        std::uintptr_t held = block.slot[slot].load(std::memory_order_acquire);
+        if (held == 0 && block.slot[slot].compare_exchange_strong(held, address, std::memory_order_acq_rel))
+            return slot;
+        if (held == address) return slot;  // also when another thread filled it just now
+    }
+    return -1;
+}
+
+// Walks the chain from `first_slot` (first block only) and takes the slot `claim` gives. A full chain grows by one block whose slot 0 receives the address.
 template <class Claim>
 std::int32_t find_or_append(Block& first, int first_slot, std::uintptr_t address, Claim claim) noexcept {
     int number = 0;
     Block* block = &first;
     for (int slot = first_slot;; slot = 0, ++number) {
-        for (; slot < kSlotsPerBlock; ++slot)
-            if (claim(block->slot[slot], address)) return handle_of(number, slot);
+        const int claimed = claim(*block, slot, address);
+        if (claimed >= 0) return handle_of(number, claimed);
         Block* next = block->next.load(std::memory_order_acquire);
         if (next == nullptr) {
             auto* added = static_cast<Block*>(base::allocate_zeroed(1, sizeof(Block)));
             if (added == nullptr) return 0;
             added->slot[0].store(address, std::memory_order_relaxed);
+            added->used[0].store(1, std::memory_order_relaxed);
             if (block->next.compare_exchange_strong(next, added, std::memory_order_acq_rel))
                 return handle_of(number + 1, 0);
             base::release(added);  // another thread linked a block first: search it
@@ -94,6 +116,7 @@ __attribute__((destructor)) void unload_handle_tables() { destroy_handle_table()
 }  // namespace
 
 int init_handle_table() noexcept {
+    for (auto& word : AllocatableHandles.used) word.store(0, std::memory_order_relaxed);
     for (int slot = 0; slot < kSlotsPerBlock; ++slot) {
         AllocatableHandles.slot[slot].store(0, std::memory_order_relaxed);
         StaticHandles.slot[slot].store(slot < kFirstStaticSlot ? ~std::uintptr_t{0} : 0, std::memory_order_relaxed);
@@ -107,7 +130,7 @@ void destroy_handle_table() noexcept {
 }
 
 std::int32_t get_handle_from_alloc_address(void* address) noexcept {
-    return find_or_append(AllocatableHandles, 0, reinterpret_cast<std::uintptr_t>(address), claim_free);
+    return find_or_append(AllocatableHandles, 0, reinterpret_cast<std::uintptr_t>(address), claim_lowest_free);
 }
 
 std::int32_t get_handle_from_static_address(void* address) noexcept {
@@ -126,7 +149,9 @@ int free_alloc_handle(std::int32_t handle) noexcept {
     Block* block = block_of(handle, AllocatableHandles);
     const int low = handle & 0xFF;
     if (block == nullptr || low == 0) return -1;
-    block->slot[low - 1].store(0, std::memory_order_release);
+    const int slot = low - 1;
+    block->slot[slot].store(0, std::memory_order_release);
+    block->used[slot / 64].fetch_and(~(std::uint64_t{1} << (slot % 64)), std::memory_order_release);
     return 0;
 }
 

@@ -10,6 +10,7 @@
 
 #include "base/export.h"
 #include "portlib/report.h"
+#include "base/lock.h"
 #include "base/memory.h"
 #include "base/fstring.h"
 #include "runtime/process.h"
@@ -41,6 +42,7 @@ void copy_cut(char* dst, std::size_t dst_len, const char* src) noexcept {
 constexpr flen kPatternMax = 8192;
 char env_template_name[kPatternMax + 1];
 std::int32_t startpos = 0;
+base::TableLock scan_lock;  // threads scanning at once share one position, but never tear it
 
 bool begins_with(const char* entry, const char* pattern, flen n) noexcept {
     for (flen i = 0; i < n; ++i)
@@ -81,6 +83,7 @@ extern "C" TARVO_API void getenv_(const char* name, char* value, std::size_t nam
 // PATTERN, in environment order; blanks after the last one
 extern "C" TARVO_API void scanenv_(const char* pattern, char* name, char* value, std::size_t pattern_len,
                                    std::size_t name_len, std::size_t value_len) noexcept {
+    base::TableGuard guard(scan_lock);
     flen end = usable_length(pattern, pattern_len);
     while (end > 0 && (pattern[end - 1] == ' ' || pattern[end - 1] == '\0')) --end;
     flen start = 0;

@@ -100,7 +100,7 @@ extern "C" TARVO_API std::int32_t setfiletimeqq_(const char* filename, const std
     if (timedate == nullptr) return qq::fail(EINVAL, TARVO_FALSE);
     const std::int64_t when = *timedate;
     const utimbuf times{static_cast<time_t>(when), static_cast<time_t>(when)};
-    if (utime(path.c_str(), when == -1 ? nullptr : &times) != 0) return qq::fail(errno, TARVO_FALSE);
+    if (utime(path.c_str(), when == TARVO_FILE_CURTIME ? nullptr : &times) != 0) return qq::fail(errno, TARVO_FALSE);
     return TARVO_TRUE;
 }
 

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "base/export.h"
+#include "base/lock.h"
 #include "base/memory.h"
 #include "base/fstring.h"
 #include "qq/qq.h"
@@ -82,6 +83,8 @@ struct Search {
 };
 Search* searches = nullptr;
 std::intptr_t last_handle = 0;
+// Guards the searches and both routines' search states: threads may search at once.
+base::TableLock search_lock;
 
 std::intptr_t keep_search(DIR* stream) noexcept {
     auto* search = static_cast<Search*>(base::allocate(sizeof(Search)));
@@ -262,11 +265,13 @@ extern "C" TARVO_API std::int32_t findfileqq_(const char* filename, const char* 
 // INTEGER(4) FUNCTION GETFILEINFOQQ(FILES, BUFFER, HANDLE) -- length of the name returned
 extern "C" TARVO_API std::int32_t getfileinfoqq_(const char* files, tarvo_file_info* buffer,
                                                  std::intptr_t* handle, std::size_t files_len) noexcept {
+    base::TableGuard guard(search_lock);
     return next_file_info(info_state, files, files_len, buffer, handle);
 }
 
 // INTEGER(4) FUNCTION GETFILEINFOQQI8(FILES, BUFFER, HANDLE)
 extern "C" TARVO_API std::int32_t getfileinfoqqi8_(const char* files, tarvo_file_info_i8* buffer,
                                                    std::intptr_t* handle, std::size_t files_len) noexcept {
+    base::TableGuard guard(search_lock);
     return next_file_info(info_state_i8, files, files_len, buffer, handle);
 }

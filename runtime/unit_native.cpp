@@ -5,6 +5,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include "base/lock.h"
 #include "base/memory.h"
 #include "runtime/unit_backend.h"
 #include "runtime/units.h"
@@ -22,15 +23,7 @@ NativeUnit preconnected[] = {{5, 0}, {6, 1}, {0, 2}};
 NativeUnit* table = preconnected;
 std::size_t used = 3;
 std::size_t capacity = 3;
-pthread_mutex_t table_lock = PTHREAD_MUTEX_INITIALIZER;
-
-class TableGuard {
-public:
-    TableGuard() noexcept { pthread_mutex_lock(&table_lock); }
-    ~TableGuard() { pthread_mutex_unlock(&table_lock); }
-    TableGuard(const TableGuard&) = delete;
-    TableGuard& operator=(const TableGuard&) = delete;
-};
+base::TableLock table_lock;
 
 NativeUnit* find(std::int64_t unit) noexcept {
     for (std::size_t i = 0; i < used; ++i)
@@ -50,7 +43,7 @@ bool grow() noexcept {
 }
 
 int descriptor(std::int64_t unit) {
-    TableGuard guard;
+    base::TableGuard guard(table_lock);
     const NativeUnit* u = find(unit);
     return u != nullptr ? u->fd : -1;
 }
@@ -77,7 +70,7 @@ std::int64_t position(std::int64_t unit) {
 }
 
 int attach(int fd, std::int32_t unit, UnitAccess) {
-    TableGuard guard;
+    base::TableGuard guard(table_lock);
     if (NativeUnit* u = find(unit)) {
         u->fd = fd;
         return 0;

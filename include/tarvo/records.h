@@ -99,6 +99,9 @@ enum { TARVO_FILE_READONLY = 1, TARVO_FILE_DEVICE = 4, TARVO_FILE_DIR = 16 };
    end or its failure. Any other value names a search in progress. */
 enum { TARVO_FILE_FIRST = -1, TARVO_FILE_LAST = -2, TARVO_FILE_ERROR = -3 };
 
+/* SETFILETIMEQQ: the current time instead of a packed time. */
+enum { TARVO_FILE_CURTIME = -1 };
+
 /* LOGICAL true as the calling compilers represent it. */
 enum { TARVO_TRUE = 1, TARVO_FALSE = 0 };
 

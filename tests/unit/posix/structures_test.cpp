@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <set>
+#include <thread>
 #include <vector>
 
 #include "posix/pxf_support.h"
@@ -141,6 +143,44 @@ TEST(Copies, RunningOutOfMemoryStopsWhereItIs) {
     EXPECT_EQ(copy("group", group.handle, group_copy.handle), ENOMEM);
     base::testing::allow_allocations();
     EXPECT_EQ(member(group_copy.handle, 1) + member(group_copy.handle, 3), "");
+}
+
+// Threads of one program create, fill, read and free instances at once: every live handle
+// is distinct and every instance keeps what its own thread stored.
+TEST(Threads, EightThreadsNeverShareAHandleOrAnInstance) {
+    constexpr int kThreads = 8, kRounds = 4000, kLive = 5;
+    std::vector<std::vector<std::int32_t>> last_held(kThreads);
+    std::vector<int> mismatches(kThreads, 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            std::int32_t held[kLive] = {};
+            for (int round = 0; round < kRounds; ++round) {
+                for (int i = 0; i < kLive; ++i) {
+                    std::int32_t ierror = 0;
+                    pxfstructcreate_("stat", &held[i], &ierror, 4);
+                    const std::int32_t mine = t * 100000 + round * kLive + i;
+                    pxfintset_(&held[i], "st_uid", &mine, &ierror, 6);
+                }
+                for (int i = 0; i < kLive; ++i) {
+                    std::int32_t ierror = 0, value = -1;
+                    pxfintget_(&held[i], "st_uid", &value, &ierror, 6);
+                    if (value != t * 100000 + round * kLive + i) ++mismatches[t];
+                    if (round + 1 < kRounds) pxfstructfree_(&held[i], &ierror);
+                }
+            }
+            last_held[t].assign(held, held + kLive);
+        });
+    for (auto& thread : threads) thread.join();
+    std::set<std::int32_t> distinct;
+    for (int t = 0; t < kThreads; ++t) {
+        EXPECT_EQ(mismatches[t], 0) << "thread " << t;
+        for (std::int32_t& handle : last_held[t]) {
+            distinct.insert(handle);
+            EXPECT_EQ(free_instance(handle), 0);
+        }
+    }
+    EXPECT_EQ(distinct.size(), std::size_t{kThreads * kLive});
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
 // The native unit table: preconnection, attaching descriptors, character I/O, positioning.
 #include <fcntl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <thread>
 
 #include "runtime/units.h"
 #include "support/support.h"
@@ -135,3 +138,29 @@ TEST(PosixIoFlag, SetReturnsThePreviousSetting) {
 }
 
 }  // namespace
+
+// A child forked while another thread is inside the unit table finds the table free.
+TEST(NativeUnitsAndFork, ChildNeverInheritsAHeldTableLock) {
+    ASSERT_EQ(__quenvatix_d_gethandle(6, nullptr, nullptr), 1);  // the back end is chosen
+    std::atomic<bool> stop{false};
+    std::thread busy([&] {
+        while (!stop.load()) (void)__quenvatix_d_gethandle(6, nullptr, nullptr);
+    });
+    int stuck = 0;
+    for (int i = 0; i < 100; ++i) {
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(5);  // a deadlocked child ends by SIGALRM instead of hanging the suite
+            _exit(__quenvatix_d_gethandle(6, nullptr, nullptr) == 1 ? 0 : 1);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+            ++stuck;
+            ADD_FAILURE() << "child status " << std::hex << status;
+        }
+    }
+    stop = true;
+    busy.join();
+    EXPECT_EQ(stuck, 0);
+}
