@@ -17,6 +17,8 @@ void record_errno(int code) noexcept {
     for_errsns_load(0, code, 0, 0, 0);
 }
 
+namespace testing {
 int last_recorded_error() noexcept { return recorded_error.load(std::memory_order_relaxed); }
+}  // namespace testing
 
 }  // namespace base

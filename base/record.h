@@ -9,7 +9,9 @@ void for_errsns_load(int, int error_number, int, int, int) noexcept;
 // Sets the thread's errno to code and records it.
 void record_errno(int code) noexcept;
 
-// The number recorded last (0 before any); this is what tests read.
+namespace testing {
+// The number recorded last (0 before any). Test-only: the library never reads it back.
 int last_recorded_error() noexcept;
+}  // namespace testing
 
 }  // namespace base

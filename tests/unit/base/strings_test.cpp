@@ -38,13 +38,13 @@ TEST(Conversion, FailuresRecordTheirErrorNumber) {
     errno = 0;
     EXPECT_EQ(allocCstr(nullptr, 4), nullptr);
     EXPECT_EQ(errno, EINVAL);
-    EXPECT_EQ(base::last_recorded_error(), EINVAL);
+    EXPECT_EQ(base::testing::last_recorded_error(), EINVAL);
     base::testing::fail_allocations_after(0);
     const char* p = allocCstr("abc", 3);
     base::testing::allow_allocations();
     EXPECT_EQ(p, nullptr);
     EXPECT_EQ(errno, ENOMEM);
-    EXPECT_EQ(base::last_recorded_error(), ENOMEM);
+    EXPECT_EQ(base::testing::last_recorded_error(), ENOMEM);
 }
 
 TEST(Results, CopyPadAndTruncation) {

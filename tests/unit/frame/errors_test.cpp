@@ -20,7 +20,7 @@ TEST_F(ErrorRecording, LastClassicFailureIsKeptAcrossSuccesses) {
     EXPECT_EQ(ierrno_(), 0);
     EXPECT_EQ(chdir_("missing", 7), ENOENT);
     EXPECT_EQ(ierrno_(), ENOENT);
-    EXPECT_EQ(base::last_recorded_error(), ENOENT);
+    EXPECT_EQ(base::testing::last_recorded_error(), ENOENT);
     EXPECT_EQ(chdir_(".", 1), 0);
     EXPECT_EQ(ierrno_(), ENOENT);
 }

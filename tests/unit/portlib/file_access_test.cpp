@@ -58,7 +58,7 @@ TEST_F(FileAccess, AccessResultsAndTheirCoarseMapping) {
             EXPECT_EQ(ierrno_(), c.want);
         }
     }
-    EXPECT_EQ(base::last_recorded_error(), EACCES);
+    EXPECT_EQ(base::testing::last_recorded_error(), EACCES);
     EXPECT_EQ(access_("f", "r", 0, 1), EINVAL);
     EXPECT_EQ(access_("f", "r", 1, 0), EINVAL);
     EXPECT_EQ(access_("f", "r", static_cast<std::size_t>(-3), 1), EINVAL);
@@ -109,14 +109,14 @@ TEST_F(FileAccess, GetcwdLengths) {
     FString tiny(3, 'x');
     EXPECT_EQ(getcwd_(tiny.data(), tiny.size()), ERANGE);
     EXPECT_EQ(tiny.text, "   ");
-    EXPECT_EQ(base::last_recorded_error(), ERANGE);
+    EXPECT_EQ(base::testing::last_recorded_error(), ERANGE);
     FString exact(dir().size(), 'x');
     EXPECT_EQ(getcwd_(exact.data(), exact.size()), 0);
     EXPECT_EQ(exact.text, dir());
     base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_EQ(getcwd_(exact.data(), 0), ENOENT);
     EXPECT_EQ(ierrno_(), ENOENT);
-    EXPECT_EQ(base::last_recorded_error(), 0);  // this case skips the run-time recorder
+    EXPECT_EQ(base::testing::last_recorded_error(), 0);  // this case skips the run-time recorder
 }
 
 TEST_F(FileAccess, ChmodModes) {
@@ -159,7 +159,7 @@ TEST_F(Terminals, FileUnitsAndUnconnectedUnits) {
         ttynam_(name.data(), name.size(), c.unit);
         EXPECT_EQ(name.text, std::string(16, ' '));
         EXPECT_EQ(errno, c.error);
-        EXPECT_EQ(base::last_recorded_error(), c.error);
+        EXPECT_EQ(base::testing::last_recorded_error(), c.error);
         EXPECT_EQ(ierrno_(), before);  // terminal queries leave the classic cell alone
     }
     EXPECT_EQ(isatty_(nullptr), 0);

@@ -28,7 +28,7 @@ TEST(Getenv, NameEndsAtItsFirstBlankAndValueIsCutOrPadded) {
     };
     EXPECT_EQ(get("TARVO_T   ", 8) + get("TARVO_T X", 8) + get("TARVO_T", 3), "value   value   val");  // cut silently
     EXPECT_EQ(get("TARVO_UNSET", 2) + get(" TARVO_T", 2) + get("", 2), "      ");
-    EXPECT_EQ(base::last_recorded_error(), 0);
+    EXPECT_EQ(base::testing::last_recorded_error(), 0);
 }
 
 // SCANENV over an environment the test builds, entry by entry.

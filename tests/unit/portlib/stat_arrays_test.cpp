@@ -50,7 +50,7 @@ TEST_F(StatArrays, SizeBeyondInteger4GivesErangeButAFullArray) {
     ASSERT_EQ(ftruncate(fd, 3LL << 30), 0);  // 3 GiB, sparse
     std::int32_t s4[13] = {};
     std::int64_t s8[13] = {};
-    EXPECT_EQ((tuple{stat_("big", s4, 3), errno, ierrno_(), base::last_recorded_error(), s4[7],
+    EXPECT_EQ((tuple{stat_("big", s4, 3), errno, ierrno_(), base::testing::last_recorded_error(), s4[7],
                      stati8_("big", s8, 3), s8[7]}),
               tuple(ERANGE, ERANGE, ERANGE, ERANGE, -1, 0, 3LL << 30));
     EXPECT_TRUE(S_ISREG(s4[2]));

@@ -47,7 +47,7 @@ TEST_F(UnitIo, UnitsThatAreNotOpenGiveTheDescribedErrors) {
     char ch = 'q';
     for (const std::int32_t* unit : {&u, static_cast<const std::int32_t*>(nullptr)}) {
         frame::set_portlib_local_errno(0);
-        EXPECT_EQ((tuple{fgetc_(unit, &ch, 1), errno, base::last_recorded_error(), fputc_(unit, "x", 1),
+        EXPECT_EQ((tuple{fgetc_(unit, &ch, 1), errno, base::testing::last_recorded_error(), fputc_(unit, "x", 1),
                          fseek_(unit, &zero, &zero)}),
                   tuple(EINVAL, EINVAL, EINVAL, EINVAL, EBADF));
         frame::set_portlib_local_errno(0);  // GETPOS and FLUSH record nothing

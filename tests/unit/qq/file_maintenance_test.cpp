@@ -62,17 +62,17 @@ TEST_F(Maintenance, DelfilesDeletesExactlyTheMatchingRegularFiles) {
 TEST_F(Maintenance, DirectoriesRenamesAndTimes) {
     base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_TRUE(call(makedirqq_, "d  ") == 1 && mode_of("d") == 0755u && call(makedirqq_, "d") == 0);
-    EXPECT_EQ(base::last_recorded_error(), 0);  // MAKEDIRQQ records nothing
+    EXPECT_EQ(base::testing::last_recorded_error(), 0);  // MAKEDIRQQ records nothing
     EXPECT_TRUE(call(changedirqq_, "d") == 1 && cwd() == path("d") && call(changedirqq_, "..") == 1);
-    EXPECT_TRUE(call(changedirqq_, "nope") == 0 && base::last_recorded_error() == ENOENT);
+    EXPECT_TRUE(call(changedirqq_, "nope") == 0 && base::testing::last_recorded_error() == ENOENT);
     EXPECT_TRUE(renamefileqq_("d", "e", 1, 1) == 1 && renamefileqq_("d", "e", 1, 1) == 0);
-    EXPECT_EQ(base::last_recorded_error(), ENOENT);
+    EXPECT_EQ(base::testing::last_recorded_error(), ENOENT);
     EXPECT_TRUE(call(deldirqq_, "e") == 1 && call(deldirqq_, "e") == 0);
     for (long successes : {0L, 1L}) {  // either name without memory
         base::testing::fail_allocations_after(successes);
         EXPECT_EQ(renamefileqq_("a", "b", 1, 1) + call(changedirqq_, "x") + call(makedirqq_, "x"), 0);
         base::testing::allow_allocations();
-        EXPECT_EQ(base::last_recorded_error(), ENOMEM);
+        EXPECT_EQ(base::testing::last_recorded_error(), ENOMEM);
     }
     write_file("f", "");
     struct stat st {};
@@ -83,7 +83,7 @@ TEST_F(Maintenance, DirectoriesRenamesAndTimes) {
         EXPECT_TRUE(want - st.st_mtime <= 2 && want - st.st_atime <= 2 && st.st_mtime <= want) << when;
     }
     const std::int32_t zero = 0;
-    EXPECT_TRUE(setfiletimeqq_("g", &zero, 1) == 0 && base::last_recorded_error() == ENOENT);
+    EXPECT_TRUE(setfiletimeqq_("g", &zero, 1) == 0 && base::testing::last_recorded_error() == ENOENT);
     EXPECT_EQ(setfiletimeqq_("f", nullptr, 1), 0);
 }
 
@@ -96,7 +96,7 @@ TEST_F(Maintenance, DriveRoutinesReportNoDrives) {
     base::testing::fail_allocations_after(0);
     EXPECT_EQ(getdrivedirqq_(named.data() + 2, 8), 0);
     base::testing::allow_allocations();
-    EXPECT_EQ(base::last_recorded_error(), ENOMEM);
+    EXPECT_EQ(base::testing::last_recorded_error(), ENOMEM);
     getdrivesqq_(drives.data(), drives.size());
     EXPECT_EQ(drives.text, std::string(26, ' '));
 }

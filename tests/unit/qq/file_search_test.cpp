@@ -87,7 +87,7 @@ TEST_F(FileInfo, RecordsOfBothFormsAndTheEnd) {
     struct stat st {};
     ASSERT_EQ(stat("a.dat", &st), 0);
     auto four = run<tarvo_file_info>(getfileinfoqq_, "*.dat", handle_);
-    EXPECT_TRUE(handle_ == -2 && base::last_recorded_error() == ENOENT && four.size() == 3);
+    EXPECT_TRUE(handle_ == -2 && base::testing::last_recorded_error() == ENOENT && four.size() == 3);
     const tarvo_file_info& a = four["a.dat"];  // creation untouched, read-only not reported
     EXPECT_TRUE(a.creation == 0x77777777 && a.length == 5 && a.lastwrite == st.st_mtime &&
                 a.lastaccess == st.st_atime && a.permit == 0 && four["d.dat"].permit == TARVO_FILE_DIR);
@@ -108,7 +108,7 @@ TEST_F(FileInfo, FailuresEndTheSearch) {
                                               {"*", 12345, EBADF}, {"*", -2, EBADF}, {"*", 0, EBADF}}) {
         handle_ = start;
         EXPECT_EQ(getfileinfoqq_(files, &record, &handle_, std::strlen(files)), 0);
-        EXPECT_TRUE(handle_ == -3 && base::last_recorded_error() == error) << files << ' ' << start;
+        EXPECT_TRUE(handle_ == -3 && base::testing::last_recorded_error() == error) << files << ' ' << start;
     }
     handle_ = -1;
     EXPECT_EQ(getfileinfoqq_("*", nullptr, &handle_, 1) + getfileinfoqq_("*", nullptr, nullptr, 1), 0);
@@ -116,10 +116,10 @@ TEST_F(FileInfo, FailuresEndTheSearch) {
     base::testing::fail_allocations_after(0);
     run<tarvo_file_info>(getfileinfoqq_, "*", handle_);
     base::testing::allow_allocations();
-    EXPECT_TRUE(handle_ == -3 && base::last_recorded_error() == ENOMEM);
+    EXPECT_TRUE(handle_ == -3 && base::testing::last_recorded_error() == ENOMEM);
     ASSERT_EQ(symlink("nowhere", "z.dat"), 0);  // a match whose status cannot be read
     run<tarvo_file_info>(getfileinfoqq_, "*.dat", handle_);
-    EXPECT_TRUE(handle_ == -3 && base::last_recorded_error() == ENOENT);
+    EXPECT_TRUE(handle_ == -3 && base::testing::last_recorded_error() == ENOENT);
     EXPECT_EQ(open_descriptors(), descriptors_);
 }
 
@@ -152,7 +152,7 @@ TEST_F(FileInfo, FindFileHereAndAlongAVariable) {
     const long before_miss = open_descriptors();
     EXPECT_EQ(find("none.txt", "TARVO_SEARCH") + find("none.txt", "TARVO_UNSET_VARIABLE"), 0);
     unsetenv("TARVO_SEARCH");
-    EXPECT_TRUE(found.text == std::string(40, ' ') && base::last_recorded_error() == ENOENT);
+    EXPECT_TRUE(found.text == std::string(40, ' ') && base::testing::last_recorded_error() == ENOENT);
     EXPECT_EQ(open_descriptors(), before_miss);
 }
 

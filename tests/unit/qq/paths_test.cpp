@@ -33,13 +33,13 @@ TEST_F(Paths, SplitAndFullPath) {
     // Cut outputs keep their leading characters and report the full length, with 22 recorded.
     base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_EQ(split("/usr/lib/libx.a", 4), "9|   |/usr|libx|.a");
-    EXPECT_EQ(base::last_recorded_error(), EINVAL);
+    EXPECT_EQ(base::testing::last_recorded_error(), EINVAL);
     base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_TRUE(fullpathqq_("b", shorter.data(), 1, 5) == 5 && shorter.text == dir().substr(0, 5));
-    EXPECT_EQ(base::last_recorded_error(), EINVAL);
+    EXPECT_EQ(base::testing::last_recorded_error(), EINVAL);
     base::for_errsns_load(0, 0, 0, 0, 0);
     EXPECT_EQ(fullpathqq_(nullptr, buf.data(), 1, buf.size()) + fullpathqq_("b", nullptr, 1, 5), 0);
-    EXPECT_EQ(base::last_recorded_error(), EINVAL);
+    EXPECT_EQ(base::testing::last_recorded_error(), EINVAL);
 }
 
 }  // namespace

@@ -104,7 +104,7 @@ TEST(ProgramEnd, AbortPrintsTheMessageAndRaisesSigabrt) {
 TEST(ErrorRecorder, KeepsTheLastNumber) {
     base::for_errsns_load(0, 42, 0, 0, 0);
     base::for_errsns_load(1, 7, 2, 3, 4);
-    EXPECT_EQ(base::last_recorded_error(), 7);
+    EXPECT_EQ(base::testing::last_recorded_error(), 7);
 }
 
 TEST(Stand_ins, IntermediateEstablishAnswersNoAndVersionIsOne) {
