@@ -19,6 +19,13 @@ foreach(_pair "GFORTRAN;TARVO_INSTALL_MODULEDIR" "FLANG;TARVO_INSTALL_FLANG_MODU
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod")
   endif()
 endforeach()
+# The modules' own procedures, one archive per compiler.
+if(TARGET tarvo_modules)
+  install(TARGETS tarvo_modules ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
+if(TARVO_FLANG_ARCHIVE)
+  install(FILES ${TARVO_FLANG_ARCHIVE} DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 
 set(_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/TarvoPort)
 install(EXPORT TarvoPortTargets NAMESPACE TarvoPort:: DESTINATION ${_cmakedir})

@@ -20,6 +20,8 @@ foreach(_list IN LISTS _export_lists)
   endif()
   list(APPEND TARVO_EXPORT_LISTS "${_list}")
 endforeach()
+# A name added to a list re-runs the configuration, so the version script follows.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${TARVO_EXPORT_LISTS})
 set(_globals "")
 foreach(_list IN LISTS TARVO_EXPORT_LISTS)
   file(STRINGS "${_list}" _names REGEX "^[A-Za-z_$]")

@@ -136,11 +136,6 @@ module tarvo_portlib
       character(len=FDATE_LEN) :: fdate
     end function fdate
 
-    function ctime(stime)
-      import :: CTIME_LEN
-      integer(4), intent(in) :: stime
-      character(len=CTIME_LEN) :: ctime
-    end function ctime
 
     ! TARRAY: second, minute, hour, day, month (0-11), year - 1900, weekday (0 = Sunday),
     ! day of the year (from 1 in LTIME, from 0 in GMTIME), daylight-saving flag.
@@ -245,16 +240,17 @@ module tarvo_portlib
 
   ! --- file status arrays ------------------------------------------------------------
   ! STATB(1:12): device, inode, mode, links, owner, group, special device, size, access,
-  ! modification and status-change times, block size. STATB(13) is not written. The
+  ! modification and status-change times, block size. STATB(13) is not written, so an
+  ! array of 12 elements serves as well as one of 13. The
   ! INTEGER(4) forms give 34 and a size of -1 for files of 2 GiB and more.
   interface stat
     integer(4) function stat(name, statb)
       character(len=*), intent(in) :: name
-      integer(4), intent(inout) :: statb(13)
+      integer(4), intent(inout) :: statb(*)
     end function stat
     integer(4) function stati8(name, statb)
       character(len=*), intent(in) :: name
-      integer(8), intent(inout) :: statb(13)
+      integer(8), intent(inout) :: statb(*)
     end function stati8
   end interface stat
 
@@ -262,11 +258,11 @@ module tarvo_portlib
   interface lstat
     integer(4) function lstat(name, statb)
       character(len=*), intent(in) :: name
-      integer(4), intent(inout) :: statb(13)
+      integer(4), intent(inout) :: statb(*)
     end function lstat
     integer(4) function lstati8(name, statb)
       character(len=*), intent(in) :: name
-      integer(8), intent(inout) :: statb(13)
+      integer(8), intent(inout) :: statb(*)
     end function lstati8
   end interface lstat
 
@@ -274,11 +270,11 @@ module tarvo_portlib
   interface fstat
     integer(4) function fstat(iunit, statb)
       integer(4), intent(in) :: iunit
-      integer(4), intent(inout) :: statb(13)
+      integer(4), intent(inout) :: statb(*)
     end function fstat
     integer(4) function fstati8(iunit, statb)
       integer(4), intent(in) :: iunit
-      integer(8), intent(inout) :: statb(13)
+      integer(8), intent(inout) :: statb(*)
     end function fstati8
   end interface fstat
 
@@ -389,6 +385,39 @@ module tarvo_portlib
     end subroutine flush
   end interface
 
+  ! The time STIME as "Sun Sep 16 01:03:52 1973". STIME is INTEGER(4) or INTEGER(8), so
+  ! CTIME(TIME()) works on both architectures (an INTEGER(8) time is taken modulo 2**32).
+  interface ctime
+    function ctime(stime)
+      import :: CTIME_LEN
+      integer(4), intent(in) :: stime
+      character(len=CTIME_LEN) :: ctime
+    end function ctime
+    module procedure ctime_i8
+  end interface ctime
+
+  ! Command-line forms programs write: GETARG(N, BUFFER [, STATUS]) with INTEGER(2) or
+  ! default N and STATUS (STATUS: the argument's length, -1 when there is none), and NARGS(),
+  ! the number of words on the command line including the command's name.
+  interface getarg
+    module procedure getarg_i4, getarg_i2, getarg_status_i4, getarg_status_i2
+  end interface getarg
+
+  ! Error texts: the text of an error number the library's routines report, including its
+  ! own codes 125-129 (which the system also uses for other errors).
+  interface
+    subroutine gerror(message)
+      character(len=*), intent(out) :: message
+    end subroutine gerror
+    subroutine perror(prefix)
+      character(len=*), intent(in) :: prefix
+    end subroutine perror
+    subroutine tarvo_errtext(code, message)
+      integer(4), intent(in) :: code
+      character(len=*), intent(out) :: message
+    end subroutine tarvo_errtext
+  end interface
+
   ! Positions a unit: ORIGIN 0 from the start, 1 from the current position, 2 from the
   ! end; 0 or an error number. OFFSET is INTEGER(4) or INTEGER(8).
   interface fseek
@@ -400,4 +429,55 @@ module tarvo_portlib
       integer(8), intent(in) :: offset
     end function fseeki8
   end interface fseek
+contains
+
+  function ctime_i8(stime)
+    integer(8), intent(in) :: stime
+    character(len=CTIME_LEN) :: ctime_i8
+    ctime_i8 = ctime(transfer(stime, 0_4))  ! the low 32 bits (little-endian)
+  end function ctime_i8
+
+  ! The local time as hh:mm:ss: the subroutine form CALL TIME(CH) of older programs, under a
+  ! name of its own because TIME is the function returning seconds.
+  subroutine time_text(text)
+    character(len=*), intent(out) :: text
+    text = clock()
+  end subroutine time_text
+
+  integer(4) function nargs()
+    nargs = command_argument_count() + 1
+  end function nargs
+
+  subroutine getarg_status_i4(n, buffer, status)
+    integer(4), intent(in) :: n
+    character(len=*), intent(out) :: buffer
+    integer(4), intent(out) :: status
+    integer :: length, stat
+    call get_command_argument(n, buffer, length, stat)
+    status = merge(-1, length, stat > 0 .or. n < 0)
+    if (status < 0) buffer = ' '
+  end subroutine getarg_status_i4
+
+  subroutine getarg_status_i2(n, buffer, status)
+    integer(2), intent(in) :: n
+    character(len=*), intent(out) :: buffer
+    integer(2), intent(out) :: status
+    integer(4) :: full
+    call getarg_status_i4(int(n, 4), buffer, full)
+    status = int(full, 2)
+  end subroutine getarg_status_i2
+
+  subroutine getarg_i4(n, buffer)
+    integer(4), intent(in) :: n
+    character(len=*), intent(out) :: buffer
+    integer(4) :: status
+    call getarg_status_i4(n, buffer, status)
+  end subroutine getarg_i4
+
+  subroutine getarg_i2(n, buffer)
+    integer(2), intent(in) :: n
+    character(len=*), intent(out) :: buffer
+    integer(4) :: status
+    call getarg_status_i4(int(n, 4), buffer, status)
+  end subroutine getarg_i2
 end module tarvo_portlib

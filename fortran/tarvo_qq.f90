@@ -31,6 +31,23 @@ module tarvo_qq
     character(len=255) :: name
   end type FILE_INFOI8
 
+  ! The same records under the names existing programs write, in the natural layout, so
+  ! that INFO%LENGTH of FILE$INFOI8 is one INTEGER(8). GETFILEINFOQQ converts.
+  type FILE$INFO
+    integer(4) :: creation, lastwrite, lastaccess, length, permit
+    character(len=255) :: name
+  end type FILE$INFO
+
+  type FILE$INFOI8
+    integer(4) :: creation, lastwrite, lastaccess
+    integer(8) :: length
+    integer(4) :: permit
+    character(len=255) :: name
+  end type FILE$INFOI8
+
+  ! The other width of a search handle (programs declare INTEGER(4) and INTEGER(8) ones).
+  integer, parameter, private :: OTHER_HANDLE_KIND = merge(4, 8, FILE_HANDLE_KIND == 8)
+
   interface
     ! Writes the unit's pending output.
     subroutine flushqq(iunit)
@@ -134,6 +151,8 @@ module tarvo_qq
       type(FILE_INFOI8), intent(inout) :: buffer
       integer(FILE_HANDLE_KIND), intent(inout) :: handle
     end function getfileinfoqqi8
+    module procedure info_other_handle, infoi8_other_handle
+    module procedure info_natural_h4, info_natural_h8, infoi8_natural_h4, infoi8_natural_h8
   end interface getfileinfoqq
 
   ! Always .FALSE.: TOTAL and AVAIL are left as they are.
@@ -148,4 +167,90 @@ module tarvo_qq
       integer(8), intent(inout) :: total, avail
     end function getdrivesizeqqi8
   end interface getdrivesizeqq
+contains
+
+  integer(4) function info_other_handle(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE_INFO), intent(inout) :: buffer
+    integer(OTHER_HANDLE_KIND), intent(inout) :: handle
+    integer(FILE_HANDLE_KIND) :: h
+    h = handle
+    info_other_handle = getfileinfoqq(files, buffer, h)
+    handle = int(h, OTHER_HANDLE_KIND)
+  end function info_other_handle
+
+  integer(4) function infoi8_other_handle(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE_INFOI8), intent(inout) :: buffer
+    integer(OTHER_HANDLE_KIND), intent(inout) :: handle
+    integer(FILE_HANDLE_KIND) :: h
+    h = handle
+    infoi8_other_handle = getfileinfoqqi8(files, buffer, h)
+    handle = int(h, OTHER_HANDLE_KIND)
+  end function infoi8_other_handle
+
+  ! The natural records: the packed record is filled and copied field by field.
+  integer(4) function next_natural(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE$INFO), intent(inout) :: buffer
+    integer(FILE_HANDLE_KIND), intent(inout) :: handle
+    type(FILE_INFO) :: packed
+    packed = FILE_INFO(buffer%creation, buffer%lastwrite, buffer%lastaccess, buffer%length, &
+                       buffer%permit, buffer%name)
+    next_natural = getfileinfoqq(files, packed, handle)
+    buffer = FILE$INFO(packed%creation, packed%lastwrite, packed%lastaccess, packed%length, &
+                       packed%permit, packed%name)
+  end function next_natural
+
+  integer(4) function next_natural_i8(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE$INFOI8), intent(inout) :: buffer
+    integer(FILE_HANDLE_KIND), intent(inout) :: handle
+    type(FILE_INFOI8) :: packed
+    packed = FILE_INFOI8(buffer%creation, buffer%lastwrite, buffer%lastaccess, &
+                         transfer(buffer%length, [0_4, 0_4]), buffer%permit, buffer%name)
+    next_natural_i8 = getfileinfoqqi8(files, packed, handle)
+    buffer = FILE$INFOI8(packed%creation, packed%lastwrite, packed%lastaccess, &
+                         transfer(packed%length, 0_8), packed%permit, packed%name)
+  end function next_natural_i8
+
+  integer(4) function info_natural_h4(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE$INFO), intent(inout) :: buffer
+    integer(4), intent(inout) :: handle
+    integer(FILE_HANDLE_KIND) :: h
+    h = handle
+    info_natural_h4 = next_natural(files, buffer, h)
+    handle = int(h, 4)
+  end function info_natural_h4
+
+  integer(4) function info_natural_h8(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE$INFO), intent(inout) :: buffer
+    integer(8), intent(inout) :: handle
+    integer(FILE_HANDLE_KIND) :: h
+    h = int(handle, FILE_HANDLE_KIND)
+    info_natural_h8 = next_natural(files, buffer, h)
+    handle = h
+  end function info_natural_h8
+
+  integer(4) function infoi8_natural_h4(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE$INFOI8), intent(inout) :: buffer
+    integer(4), intent(inout) :: handle
+    integer(FILE_HANDLE_KIND) :: h
+    h = handle
+    infoi8_natural_h4 = next_natural_i8(files, buffer, h)
+    handle = int(h, 4)
+  end function infoi8_natural_h4
+
+  integer(4) function infoi8_natural_h8(files, buffer, handle)
+    character(len=*), intent(in) :: files
+    type(FILE$INFOI8), intent(inout) :: buffer
+    integer(8), intent(inout) :: handle
+    integer(FILE_HANDLE_KIND) :: h
+    h = int(handle, FILE_HANDLE_KIND)
+    infoi8_natural_h8 = next_natural_i8(files, buffer, h)
+    handle = h
+  end function infoi8_natural_h8
 end module tarvo_qq

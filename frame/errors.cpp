@@ -4,8 +4,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "base/export.h"
+#include "base/fstring.h"
 #include <tarvo/frame.h>
 
 namespace frame {
@@ -47,6 +49,28 @@ int print_diagnostic(char severity, std::int32_t code) noexcept {
     return std::fprintf(stderr, "*** %c - %d - %s\n", severity, static_cast<int>(code),
                         text != nullptr ? text : "(null)");
 }
+// The library's own codes, whose numbers the system also uses for other errors.
+struct OwnText {
+    std::int32_t code;
+    const char* text;
+};
+constexpr OwnText kOwnTexts[] = {
+    {TARVO_EARRAYLEN, "An array index or array length is out of range"},
+    {TARVO_ENONAME, "A name (constant, structure type or field) is not known"},
+    {TARVO_ENOHANDLE, "A structure handle is not valid, or a structure could not be allocated"},
+    {TARVO_EENDDIR, "End of the directory stream"},
+    {TARVO_ETRUNC, "A returned string was cut to fit the caller's variable"},
+    {TARVO_EEND, "End of file"},
+};
+
+// The text of an error number: the library's own texts first, then the system's.
+const char* error_text(std::int32_t code, char* scratch, std::size_t size) noexcept {
+    for (const OwnText& own : kOwnTexts)
+        if (own.code == code) return own.text;
+    const std::uint32_t index = static_cast<std::uint32_t>(code) - static_cast<std::uint32_t>(TARVO_DIAG_FIRST);
+    if (index < std::size(err_array) && err_array[index] != nullptr && index != 0) return err_array[index];
+    return strerror_r(code, scratch, size);  // the GNU form: returns the text it chose
+}
 }  // namespace
 
 std::int32_t portlib_local_errno() noexcept { return local_errno.load(std::memory_order_relaxed); }
@@ -78,4 +102,25 @@ extern "C" TARVO_API int __tarvo_lib_warn(std::int32_t code) noexcept {
 extern "C" TARVO_API void __tarvo_lib_err(std::int32_t code) noexcept {
     frame::print_diagnostic('E', code);
     std::exit(code);  // the status the parent sees is the code modulo 256
+}
+
+// SUBROUTINE TARVO_ERRTEXT(CODE, MESSAGE) -- the text of any number the routines report
+extern "C" TARVO_API void tarvo_errtext_(const std::int32_t* code, char* message, std::size_t message_len) noexcept {
+    char scratch[256];
+    const char* text = code != nullptr ? frame::error_text(*code, scratch, sizeof scratch) : "";
+    base::store_fortran_string(message, message_len, text);
+}
+
+// SUBROUTINE GERROR(MESSAGE) -- the text of the last error of the classic routines (IERRNO)
+extern "C" TARVO_API void gerror_(char* message, std::size_t message_len) noexcept {
+    const std::int32_t code = frame::portlib_local_errno();
+    tarvo_errtext_(&code, message, message_len);
+}
+
+// SUBROUTINE PERROR(PREFIX) -- "PREFIX: text" of the last classic error on standard error
+extern "C" TARVO_API void perror_(const char* prefix, std::size_t prefix_len) noexcept {
+    char scratch[256];
+    const char* text = frame::error_text(frame::portlib_local_errno(), scratch, sizeof scratch);
+    const base::flen n = prefix != nullptr ? base::trimmed_length(prefix, base::signed_length(prefix_len)) : 0;
+    std::fprintf(stderr, "%.*s: %s\n", static_cast<int>(n), n > 0 ? prefix : "", text);
 }

@@ -25,6 +25,13 @@ int32_t getlasterrorqq_(void) TARVO_NOEXCEPT;
 /* Value plus one (by value). */
 int32_t for_getsystemerror_dummy(int32_t value) TARVO_NOEXCEPT;
 
+/* Error texts, the library's own codes (125-129, -1, 1001-1018) included.
+ * SUBROUTINE TARVO_ERRTEXT(CODE, MESSAGE), GERROR(MESSAGE) for IERRNO's number, and
+ * PERROR(PREFIX), which prints "PREFIX: text" on standard error. */
+void tarvo_errtext_(const int32_t *code, char *message, tarvo_len_t message_len) TARVO_NOEXCEPT;
+void gerror_(char *message, tarvo_len_t message_len) TARVO_NOEXCEPT;
+void perror_(const char *prefix, tarvo_len_t prefix_len) TARVO_NOEXCEPT;
+
 /* Diagnostics on standard error (code by value). */
 int __tarvo_lib_warn(int32_t code) TARVO_NOEXCEPT;
 #ifdef __cplusplus

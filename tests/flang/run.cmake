@@ -1,7 +1,7 @@
 # Compiles a program with LLVM flang against its own module directory and runs it.
 cmake_minimum_required(VERSION 3.25)
 file(MAKE_DIRECTORY ${WORK})
-execute_process(COMMAND ${FLANG} -I${MODDIR} ${SOURCE} -o ${WORK}/program -L${LIBDIR} -ltarvoport
+execute_process(COMMAND ${FLANG} -I${MODDIR} ${SOURCE} -o ${WORK}/program -L${LIBDIR} -ltarvoport_flang -ltarvoport
                         -Wl,-rpath,${LIBDIR}
                 RESULT_VARIABLE rc ERROR_VARIABLE err)
 if(NOT rc EQUAL 0)

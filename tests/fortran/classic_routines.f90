@@ -1,3 +1,4 @@
+! Tests the library on the program's OPEN units: gfortran units only.
 ! The classic routines through the tarvo_portlib module, on gfortran's own units. Many of
 ! these names are also gfortran intrinsics; the checks hold for the library's versions.
 program classic_routines

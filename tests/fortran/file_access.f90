@@ -1,3 +1,4 @@
+! Tests the library on the program's OPEN units: gfortran units only.
 ! File access and naming through the tarvo_portlib module, on units opened with OPEN.
 program file_access
   use tarvo_portlib

@@ -1,3 +1,4 @@
+C     Tests the library on the program's OPEN units: gfortran units only.
 C     The classic calling style: no interface module, every routine declared EXTERNAL, with
 C     the lengths and kinds the old programs declare.
       PROGRAM LEGACY

@@ -1,3 +1,4 @@
+! Tests the library on the program's OPEN units: gfortran units only.
 ! Files, directories and the program's own units through the tarvo_posix module.
 program pxf_files
   use tarvo_posix
