@@ -16,7 +16,7 @@ foreach(_pair "GFORTRAN;TARVO_INSTALL_MODULEDIR" "FLANG;TARVO_INSTALL_FLANG_MODU
   if(TARVO_${_compiler}_ID)
     set(${_var} ${CMAKE_INSTALL_INCLUDEDIR}/tarvo/${TARVO_${_compiler}_ID})
     install(DIRECTORY ${PROJECT_BINARY_DIR}/include/tarvo/${TARVO_${_compiler}_ID}
-            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod")
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvo FILES_MATCHING PATTERN "*.mod" PATTERN "tarvo.fi")
   endif()
 endforeach()
 # The modules' own procedures, one archive per compiler.

@@ -1,0 +1,15 @@
+# Runs tarvo-check on the captured-call sample (its findings must equal the expectation)
+# and on the programs that use the modules (no finding).
+cmake_minimum_required(VERSION 3.25)
+execute_process(COMMAND ${CHECKER} captured.f WORKING_DIRECTORY ${DIR}/checker
+                RESULT_VARIABLE rc OUTPUT_VARIABLE out)
+string(REGEX REPLACE " goes to[^\n]*" "" found "${out}")
+file(READ ${DIR}/checker/captured.expect want)
+if(NOT rc EQUAL 1 OR NOT found STREQUAL want)
+  message(FATAL_ERROR "tarvo-check on captured.f (status ${rc}) found:\n${found}\nwanted:\n${want}")
+endif()
+file(GLOB clean ${DIR}/*.f90 ${DIR}/legacy_*.f)
+execute_process(COMMAND ${CHECKER} ${clean} RESULT_VARIABLE rc OUTPUT_VARIABLE out)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "tarvo-check reported calls in programs that use the modules:\n${out}")
+endif()
