@@ -1,0 +1,200 @@
+// Signals delivered for real to procedures installed the Fortran way, sets, mask and waits.
+#include <signal.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <thread>
+
+#include "posix/pxf_support.h"
+
+namespace {
+
+using namespace pxf_test;
+using std::tuple;
+
+std::atomic<int> fortran_calls{0}, native_calls{0};
+volatile sig_atomic_t last_fortran = 0, last_native = 0;
+
+void fortran_handler(const std::int32_t* n) {  // takes the number by reference
+    last_fortran = *n;
+    ++fortran_calls;
+}
+void other_fortran_handler(const std::int32_t*) {}
+void native_handler(int n) {
+    last_native = n;
+    ++native_calls;
+}
+
+std::int32_t handle_of(void (*procedure)(const std::int32_t*)) {
+    std::int32_t handle = 0, ierror = -1;
+    pxfgetsubhandle_(reinterpret_cast<void (*)()>(procedure), &handle, &ierror);
+    return handle;
+}
+
+// Signal actions and the mask come back after each test.
+class Signals : public ::testing::Test {
+protected:
+    static constexpr int kSignals[] = {SIGUSR1, SIGUSR2, SIGALRM};
+    struct sigaction saved_[3]{};
+    sigset_t saved_mask_{};
+    void SetUp() override {
+        fortran_calls = native_calls = 0;
+        last_fortran = last_native = 0;
+        for (int i = 0; i < 3; ++i) sigaction(kSignals[i], nullptr, &saved_[i]);
+        sigprocmask(SIG_SETMASK, nullptr, &saved_mask_);
+    }
+    void TearDown() override {
+        for (int i = 0; i < 3; ++i) sigaction(kSignals[i], &saved_[i], nullptr);
+        sigprocmask(SIG_SETMASK, &saved_mask_, nullptr);
+    }
+
+    // ISIG, the new and the old action (handles or 0): IERROR.
+    static std::int32_t action(std::int32_t isig, std::int32_t jact, std::int32_t jold) {
+        return ierror_of(pxfsigaction_, &isig, &jact, &jold, kIerror);
+    }
+    // An action instance of HANDLER (a handle, SIG_DFL or SIG_IGN) and FLAGS.
+    static void describe(const Instance& act, std::int32_t handler, std::int32_t flags = 0, std::int32_t mask = 0) {
+        ASSERT_EQ(VALUES(set(act.handle, "sa_handler", handler), set(act.handle, "sa_flags", flags),
+                         set(act.handle, "sa_mask", mask)),
+                  (tuple{0, 0, 0}));
+    }
+    static std::int32_t field(const Instance& act, const char* name) {
+        std::int32_t value = -99;
+        get(act.handle, name, value);
+        return value;
+    }
+    static std::int32_t member(const Instance& set, std::int32_t signo) {
+        std::int32_t is = -1;
+        return ierror_of(pxfsigismember_, &set.handle, &signo, &is, kIerror) == 0 ? is : -99;
+    }
+};
+
+TEST_F(Signals, FortranHandlerReceivesTheNumberAndReadsBack) {
+    Instance act("sigaction"), old("sigaction"), mask("sigset");
+    const std::int32_t usr2 = SIGUSR2;
+    ierror_of(pxfsigaddset_, &mask.handle, &usr2, kIerror);
+    describe(act, handle_of(fortran_handler), SA_RESTART, mask.handle);
+    ASSERT_EQ(action(SIGUSR1, act.handle, 0), 0);
+    raise(SIGUSR1);
+    EXPECT_EQ(VALUES(last_fortran, fortran_calls.load()), (tuple{SIGUSR1, 1}));
+
+    // Query only: the flags as given (no restorer bit), the procedure's handle, the mask.
+    Instance old_mask("sigset");
+    describe(old, 0, 0, old_mask.handle);
+    ASSERT_EQ(action(SIGUSR1, 0, old.handle), 0);
+    EXPECT_EQ(VALUES(field(old, "sa_handler"), field(old, "sa_flags"), member(old_mask, SIGUSR2), member(old_mask, 1)),
+              (tuple{handle_of(fortran_handler), SA_RESTART, 1, 0}));
+    // Installing SIG_IGN reports the Fortran handler as the old action, then SIG_IGN itself.
+    describe(act, 1);
+    EXPECT_EQ(VALUES(action(SIGUSR1, act.handle, old.handle), field(old, "sa_handler")), (tuple{0, handle_of(fortran_handler)}));
+    EXPECT_EQ(VALUES(action(SIGUSR1, 0, old.handle), field(old, "sa_handler")), (tuple{0, 1}));
+}
+
+TEST_F(Signals, ForeignHandlerSurvivesSaveAndRestore) {
+    struct sigaction native {};
+    native.sa_handler = native_handler;
+    sigaction(SIGUSR1, &native, nullptr);
+    Instance fortran("sigaction"), saved("sigaction");
+    describe(fortran, handle_of(fortran_handler));
+    ASSERT_EQ(action(SIGUSR1, fortran.handle, saved.handle), 0);
+    raise(SIGUSR1);
+    EXPECT_EQ(VALUES(fortran_calls.load(), native_calls.load()), (tuple{1, 0}));
+
+    // The saved handle is callable from Fortran and, put back, reaches the native handler.
+    std::int32_t ierror = -1, number = SIGUSR1, saved_handler = field(saved, "sa_handler");
+    pxfcallsubhandle_(&saved_handler, &number, &ierror);
+    EXPECT_EQ(VALUES(ierror, native_calls.load(), last_native), (tuple{0, 1, SIGUSR1}));
+    ASSERT_EQ(action(SIGUSR1, saved.handle, 0), 0);
+    raise(SIGUSR1);
+    EXPECT_EQ(VALUES(fortran_calls.load(), native_calls.load()), (tuple{1, 2}));
+}
+
+TEST_F(Signals, ActionArgumentsAreChecked) {
+    Instance act("sigaction"), set("sigset");
+    describe(act, 0);
+    EXPECT_EQ(VALUES(action(NSIG, act.handle, 0), errno), (tuple{EINVAL, EINVAL}));
+    EXPECT_EQ(VALUES(action(-1, 0, 0), action(0, 0, act.handle), action(32, act.handle, 0)), (tuple{EINVAL, EINVAL, EINVAL}));
+    EXPECT_EQ(VALUES(action(SIGUSR1, 12345, 0), errno), (tuple{TARVO_ENOHANDLE, EINVAL}));
+    EXPECT_EQ(VALUES(action(SIGUSR1, 0, set.handle), errno), (tuple{EINVAL, EINVAL}));
+    describe(act, 12345);
+    EXPECT_EQ(action(SIGUSR1, act.handle, 0), TARVO_ENOHANDLE);
+    describe(act, 0, 0, act.handle);  // a mask that is not a set
+    EXPECT_EQ(action(SIGUSR1, act.handle, 0), EINVAL);
+}
+
+TEST_F(Signals, SetsFollowTheSixtyFourBitRule) {
+    Instance set("sigset"), act("sigaction");
+    const std::int32_t zero = 0, too_big = 70, usr1 = SIGUSR1;
+    ASSERT_EQ(ierror_of(pxfsigfillset_, &set.handle, kIerror), 0);
+    for (std::int32_t n = 1; n <= 64; ++n) EXPECT_EQ(member(set, n), 1) << n;
+    EXPECT_EQ(member(set, 65), 0);
+    ASSERT_EQ(ierror_of(pxfsigemptyset_, &set.handle, kIerror), 0);
+    EXPECT_EQ(VALUES(ierror_of(pxfsigaddset_, &set.handle, &zero, kIerror),
+                     ierror_of(pxfsigaddset_, &set.handle, &too_big, kIerror), member(set, 64), member(set, 63)),
+              (tuple{0, 0, 1, 0}));
+    ierror_of(pxfsigaddset_, &set.handle, &usr1, kIerror);
+    ierror_of(pxfsigdelset_, &set.handle, &zero, kIerror);
+    EXPECT_EQ(VALUES(member(set, 64), member(set, SIGUSR1)), (tuple{0, 1}));
+    EXPECT_EQ(VALUES(ierror_of(pxfsigaddset_, &act.handle, &zero, kIerror), errno), (tuple{EINVAL, EINVAL}));
+}
+
+TEST_F(Signals, BlockedSignalIsPendingThenDelivered) {
+    Instance act("sigaction"), block("sigset"), old("sigset"), pending("sigset");
+    describe(act, handle_of(fortran_handler));
+    ASSERT_EQ(action(SIGUSR2, act.handle, 0), 0);
+    const std::int32_t usr2 = SIGUSR2, how_block = SIG_BLOCK, how_set = SIG_SETMASK, none = 0, nothing = 999999;
+    ierror_of(pxfsigaddset_, &block.handle, &usr2, kIerror);
+    ASSERT_EQ(ierror_of(fortran_pxfsigprocmask, &how_block, &block.handle, &old.handle, kIerror), 0);
+    raise(SIGUSR2);
+    EXPECT_EQ(VALUES(ierror_of(pxfsigpending_, &pending.handle, kIerror), member(pending, SIGUSR2), fortran_calls.load()),
+              (tuple{0, 1, 0}));
+    ASSERT_EQ(ierror_of(fortran_pxfsigprocmask, &how_set, &old.handle, &none, kIerror), 0);
+    EXPECT_EQ(VALUES(fortran_calls.load(), last_fortran), (tuple{1, SIGUSR2}));
+
+    errno = 0;
+    EXPECT_EQ(VALUES(ierror_of(fortran_pxfsigprocmask, &how_block, &block.handle, &nothing, kIerror), errno),
+                     (tuple{TARVO_ENOHANDLE, 0}));
+    EXPECT_EQ(ierror_of(fortran_pxfsigprocmask, &how_block, &none, &none, kIerror), TARVO_ENOHANDLE);
+    EXPECT_EQ(ierror_of(pxfsigsuspend_, &act.handle, kIerror), TARVO_ENOHANDLE);
+
+    // Suspending with an empty mask lets the pending signal in at once.
+    ierror_of(fortran_pxfsigprocmask, &how_block, &block.handle, &none, kIerror);
+    raise(SIGUSR2);
+    ierror_of(pxfsigemptyset_, &pending.handle, kIerror);
+    EXPECT_EQ(VALUES(ierror_of(pxfsigsuspend_, &pending.handle, kIerror), fortran_calls.load()), (tuple{EINTR, 2}));
+}
+
+TEST_F(Signals, AlarmInterruptsPause) {
+    Instance act("sigaction");
+    describe(act, handle_of(fortran_handler));
+    ASSERT_EQ(action(SIGALRM, act.handle, 0), 0);
+    std::int32_t left = -1, ierror = -1, ten = 10, one = 1, zero = 0;
+    pxfalarm_(&ten, &left, &ierror);
+    EXPECT_EQ(VALUES(left, ierror), (tuple{0, 0}));
+    pxfalarm_(&one, &left, &ierror);
+    EXPECT_EQ(VALUES(left, ierror), (tuple{10, 0}));
+    pxfpause_(&ierror);
+    EXPECT_EQ(VALUES(ierror, last_fortran), (tuple{EINTR, SIGALRM}));
+    pxfsleep_(&zero, &left, &ierror);
+    EXPECT_EQ(VALUES(left, ierror), (tuple{0, 0}));
+}
+
+// Threads installing handlers for one signal while it arrives: every delivery reaches one
+// of the installed procedures (the sanitizer builds check the tables for races).
+TEST_F(Signals, ConcurrentInstallsKeepTheTableWhole) {
+    Instance a("sigaction"), b("sigaction");
+    describe(a, handle_of(fortran_handler));
+    describe(b, handle_of(other_fortran_handler));
+    ASSERT_EQ(action(SIGUSR1, a.handle, 0), 0);
+    auto install = [](std::int32_t handle) {
+        for (int i = 0; i < 2000; ++i) Signals::action(SIGUSR1, handle, 0);
+    };
+    std::thread first(install, a.handle), second(install, b.handle);
+    for (int i = 0; i < 200; ++i) raise(SIGUSR1);
+    first.join();
+    second.join();
+    EXPECT_TRUE(last_fortran == 0 || last_fortran == SIGUSR1);
+}
+
+}  // namespace
