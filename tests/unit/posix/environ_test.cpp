@@ -1,7 +1,4 @@
 // Environment variables and the command line, as a Fortran caller reaches them.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdlib>
 #include <string>
@@ -16,82 +13,77 @@ using std::string;
 using std::tuple;
 using tarvo_test::FString;
 
-// IERROR, LENVAL and VALUE of PXFGETENV on a name of NAME's length.
-tuple<std::int32_t, std::int32_t, string> getenv_of(const string& name, std::int32_t lenname, std::size_t room = 16) {
+// IERROR, LENVAL, VALUE and errno of PXFGETENV.
+tuple<std::int32_t, std::int32_t, string, int> getenv_of(const string& name, std::int32_t lenname, std::size_t room = 8) {
     FString value(room, 'x');
     std::int32_t lenval = -1;
-    const std::int32_t ierror = ierror_of(pxfgetenv_, name.data(), &lenname, value.data(), &lenval, kIerror,
-                                          name.size(), value.size());
-    return {ierror, lenval, value.text};
+    const std::int32_t ierror =
+        ierror_of(pxfgetenv_, name.data(), &lenname, value.data(), &lenval, kIerror, name.size(), value.size());
+    return {ierror, lenval, value.text, errno};
 }
 
-std::int32_t setenv_of(const string& name, std::int32_t lenname, const string& value, std::int32_t lennew,
-                       std::int32_t overwrite = 1) {
-    return ierror_of(pxfsetenv_, name.data(), &lenname, value.data(), &lennew, &overwrite, kIerror, name.size(),
-                     value.size());
+// IERROR of PXFSETENV, and the variable's value afterwards ("-" when not set).
+tuple<std::int32_t, string> setenv_of(const string& name, std::int32_t lenname, const string& value,
+                                      std::int32_t lennew, std::int32_t overwrite = 1) {
+    const std::int32_t ierror = ierror_of(pxfsetenv_, name.data(), &lenname, value.data(), &lennew, &overwrite,
+                                          kIerror, name.size(), value.size());
+    const char* now = std::getenv("TARVO_E");
+    return {ierror, now != nullptr ? now : "-"};
 }
 
-class Environment : public ::testing::Test {
-protected:
-    void TearDown() override {
-        for (const char* name : {"TARVO_E", "  TARVO_E", "TARVO_LONG"}) ::unsetenv(name);
-    }
-};
-
-TEST_F(Environment, NamesAreTrimmedByTheirLength) {
+TEST(Environment, NamesAreTrimmedByTheirLength) {
     ::setenv("TARVO_E", "plain", 1);
     ::setenv("  TARVO_E", "indented", 1);
-    EXPECT_EQ(getenv_of("  TARVO_E  ", 0), (tuple{0, 5, string("plain" + string(11, ' '))}));
-    EXPECT_EQ(std::get<2>(getenv_of("  TARVO_E  ", 11)), "indented" + string(8, ' '));
-    // A length beyond the declared 10 characters is clipped, not refused.
-    EXPECT_EQ(VALUES(getenv_of("TARVO_E\t  ", 50), errno), (tuple{tuple{0, 5, "plain" + string(11, ' ')}, 0}));
-    EXPECT_EQ(VALUES(getenv_of("TARVO_NONE", 0), errno), (tuple{tuple{EINVAL, -1, string(16, ' ')}, EINVAL}));
-    EXPECT_EQ(VALUES(getenv_of("TARVO_E", 0, 3), errno), (tuple{tuple{TARVO_ETRUNC, 5, string("pla")}, TARVO_ETRUNC}));
+    EXPECT_EQ(getenv_of("  TARVO_E  ", 0), (tuple{0, 5, string("plain   "), 0}));
+    EXPECT_EQ(getenv_of("  TARVO_E  ", 11), (tuple{0, 8, string("indented"), 0}));
+    EXPECT_EQ(getenv_of("TARVO_E\t  ", 50), (tuple{0, 5, string("plain   "), 0}));  // clipped to 10
+    EXPECT_EQ(getenv_of("TARVO_NONE", 0), (tuple{EINVAL, -1, string(8, ' '), EINVAL}));
+    EXPECT_EQ(getenv_of("TARVO_E", 0, 3), (tuple{TARVO_ETRUNC, 5, string("pla"), TARVO_ETRUNC}));
+    ::unsetenv("TARVO_E");
+    ::unsetenv("  TARVO_E");
 }
 
-TEST_F(Environment, SetTrimsAndHonoursOverwrite) {
-    EXPECT_EQ(setenv_of(" TARVO_E ", 0, "  some value  ", 0), 0);
-    EXPECT_STREQ(std::getenv("TARVO_E"), "some value");
-    EXPECT_EQ(setenv_of("TARVO_E", 7, "other", 5, 0), 0);
-    EXPECT_STREQ(std::getenv("TARVO_E"), "some value");
-    EXPECT_EQ(setenv_of("TARVO_E", 7, "  kept  ", 6), 0);
-    EXPECT_STREQ(std::getenv("TARVO_E"), "  kept");
-    EXPECT_EQ(setenv_of("TARVO_E", 0, "      ", 0), 0);
-    EXPECT_STREQ(std::getenv("TARVO_E"), "");
-    EXPECT_EQ(VALUES(setenv_of("TARVO_E", 8, "v", 0), errno), (tuple{EINVAL, EINVAL}));
-    EXPECT_EQ(VALUES(setenv_of("TARVO_E", 0, "v", -1), errno), (tuple{EINVAL, EINVAL}));
-    EXPECT_EQ(setenv_of("A=B", 0, "v", 0), EINVAL);  // the host refuses
+TEST(Environment, SetTrimsAndHonoursOverwrite) {
+    ::unsetenv("TARVO_E");
+    EXPECT_EQ(setenv_of(" TARVO_E ", 0, "  some value  ", 0), (tuple{0, string("some value")}));
+    EXPECT_EQ(setenv_of("TARVO_E", 7, "other", 5, 0), (tuple{0, string("some value")}));
+    EXPECT_EQ(setenv_of("TARVO_E", 7, "  kept  ", 6), (tuple{0, string("  kept")}));
+    EXPECT_EQ(setenv_of("TARVO_E", 0, "      ", 0), (tuple{0, string("")}));
+    EXPECT_EQ(VALUES(setenv_of("TARVO_E", 8, "v", 0), errno), (tuple{tuple{EINVAL, string("")}, EINVAL}));
+    EXPECT_EQ(setenv_of("TARVO_E", 0, "v", -1), (tuple{EINVAL, string("")}));
+    ::unsetenv("TARVO_E");
 }
 
-TEST_F(Environment, ClearRemovesEveryEntry) {
-    const int status = tarvo_test::run_in_child([] {
-        ::setenv(string(150, 'L').c_str(), "long name", 1);
-        // Entries the host's unsetenv cannot take out: no "=", and an empty name.
-        static char odd[] = "NO_EQUALS_SIGN", empty[] = "=value";
-        static char* entries[] = {odd, empty, nullptr};
-        std::int32_t ierror = -1;
-        pxfclearenv_(&ierror);
-        const bool cleared_host = ierror == 0 && environ[0] == nullptr;
-        environ = entries;
-        pxfclearenv_(&ierror);
-        return cleared_host && ierror == 0 && environ[0] == nullptr ? 0 : 1;
-    });
-    EXPECT_EQ(status, 0);
+TEST(Environment, ClearRemovesEveryEntry) {
+    EXPECT_EQ(tarvo_test::run_in_child([] {
+                  ::setenv(string(150, 'L').c_str(), "a name longer than the first buffer", 1);
+                  std::int32_t first = -1, second = -1;
+                  pxfclearenv_(&first);
+                  const bool host_list_empty = environ[0] == nullptr;
+                  // Entries unsetenv cannot take out: no "=", an empty name.
+                  static char odd[] = "NO_EQUALS_SIGN", empty[] = "=value";
+                  static char* entries[] = {odd, empty, nullptr};
+                  environ = entries;
+                  pxfclearenv_(&second);
+                  return first == 0 && second == 0 && host_list_empty && environ[0] == nullptr ? 0 : 1;
+              }),
+              0);
 }
 
 TEST(CommandLine, ArgumentsAndTheirCount) {
     FString word(512), tiny(2);
     std::int32_t ilen = -1, m = 0;
-    EXPECT_EQ(ierror_of(pxfgetarg_, &m, word.data(), &ilen, kIerror, word.size()), 0);
-    EXPECT_EQ(VALUES(word.trimmed(), ilen), (tuple{string(program_invocation_name), static_cast<std::int32_t>(word.trimmed().size())}));
+    const std::int32_t name_length = static_cast<std::int32_t>(string(program_invocation_name).size());
+    EXPECT_EQ(VALUES(ierror_of(pxfgetarg_, &m, word.data(), &ilen, kIerror, word.size()), word.trimmed(), ilen),
+              (tuple{0, string(program_invocation_name), name_length}));
     errno = 0;
-    EXPECT_EQ(VALUES(ierror_of(pxfgetarg_, &m, tiny.data(), &ilen, kIerror, tiny.size()), errno, tiny.text),
-              (tuple{TARVO_ETRUNC, 0, string(program_invocation_name, 2)}));
-    m = ipxfargc_() + 1;
-    EXPECT_EQ(VALUES(ierror_of(pxfgetarg_, &m, word.data(), &ilen, kIerror, word.size()), ilen, errno),
-              (tuple{EINVAL, 0, EINVAL}));
+    EXPECT_EQ(VALUES(ierror_of(pxfgetarg_, &m, tiny.data(), &ilen, kIerror, tiny.size()), errno, tiny.text, ilen),
+              (tuple{TARVO_ETRUNC, 0, string(program_invocation_name, 2), name_length}));
     m = ipxfargc_();
     EXPECT_EQ(ierror_of(pxfgetarg_, &m, word.data(), &ilen, kIerror, word.size()), 0);
+    ++m;
+    EXPECT_EQ(VALUES(ierror_of(pxfgetarg_, &m, word.data(), &ilen, kIerror, word.size()), ilen, errno),
+              (tuple{EINVAL, 0, EINVAL}));
 }
 
 }  // namespace
