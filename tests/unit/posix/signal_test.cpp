@@ -27,25 +27,24 @@ void native_handler(int n) {
 }
 
 std::int32_t handle_of(void (*procedure)(const std::int32_t*)) {
-    std::int32_t handle = 0, ierror = -1;
-    pxfgetsubhandle_(reinterpret_cast<void (*)()>(procedure), &handle, &ierror);
-    return handle;
+    std::int32_t handle = 0;
+    return ierror_of(pxfgetsubhandle_, reinterpret_cast<void (*)()>(procedure), &handle, kIerror) == 0 ? handle : 0;
 }
 
 // Signal actions and the mask come back after each test.
 class Signals : public ::testing::Test {
 protected:
-    static constexpr int kSignals[] = {SIGUSR1, SIGUSR2, SIGALRM};
-    struct sigaction saved_[3]{};
+    static constexpr int kSignals[] = {SIGUSR1, SIGUSR2};
+    struct sigaction saved_[2]{};
     sigset_t saved_mask_{};
     void SetUp() override {
         fortran_calls = native_calls = 0;
         last_fortran = last_native = 0;
-        for (int i = 0; i < 3; ++i) sigaction(kSignals[i], nullptr, &saved_[i]);
+        for (int i = 0; i < 2; ++i) sigaction(kSignals[i], nullptr, &saved_[i]);
         sigprocmask(SIG_SETMASK, nullptr, &saved_mask_);
     }
     void TearDown() override {
-        for (int i = 0; i < 3; ++i) sigaction(kSignals[i], &saved_[i], nullptr);
+        for (int i = 0; i < 2; ++i) sigaction(kSignals[i], &saved_[i], nullptr);
         sigprocmask(SIG_SETMASK, &saved_mask_, nullptr);
     }
 
@@ -161,17 +160,6 @@ TEST_F(Signals, BlockedSignalIsPendingThenDelivered) {
     EXPECT_EQ(VALUES(ierror_of(pxfsigsuspend_, &pending.handle, kIerror), fortran_calls.load()), (tuple{EINTR, 2}));
 }
 
-TEST_F(Signals, AlarmInterruptsPause) {
-    Instance act("sigaction");
-    describe(act, handle_of(fortran_handler));
-    std::int32_t left = -1, ierror = -1, ten = 10, one = 1;
-    pxfalarm_(&ten, &left, &ierror);
-    pxfalarm_(&one, &left, &ierror);
-    EXPECT_EQ(VALUES(action(SIGALRM, act.handle, 0), left, ierror), (tuple{0, 10, 0}));
-    pxfpause_(&ierror);
-    EXPECT_EQ(VALUES(ierror, last_fortran), (tuple{EINTR, SIGALRM}));
-}
-
 // Threads install handlers for one signal while it arrives: every delivery reaches one of
 // the procedures (the thread-sanitizer build checks the tables for races).
 TEST_F(Signals, ConcurrentInstallsKeepTheTableWhole) {
@@ -179,9 +167,7 @@ TEST_F(Signals, ConcurrentInstallsKeepTheTableWhole) {
     describe(a, handle_of(fortran_handler));
     describe(b, handle_of(other_fortran_handler));
     ASSERT_EQ(action(SIGUSR1, a.handle, 0), 0);
-    auto install = [](std::int32_t handle) {
-        for (int i = 0; i < 2000; ++i) Signals::action(SIGUSR1, handle, 0);
-    };
+    auto install = [](std::int32_t h) { for (int i = 0; i < 2000; ++i) Signals::action(SIGUSR1, h, 0); };
     std::thread first(install, a.handle), second(install, b.handle);
     for (int i = 0; i < 200; ++i) raise(SIGUSR1);
     first.join();
