@@ -45,7 +45,10 @@ public:
     bool build(const char* array, const std::int32_t* lengths, std::int32_t count, std::size_t element_len) noexcept {
         if (count < 0) count = 0;
         entries_ = base::Owned<char*>::with_room_for(static_cast<std::size_t>(count) + 1);
-        if (!entries_) return errno = ENOMEM, false;
+        if (!entries_) {
+            errno = ENOMEM;
+            return false;
+        }
         for (; made_ < count; ++made_) {
             Path element = path_arg(array + static_cast<std::size_t>(made_) * element_len, &lengths[made_], element_len);
             if (!element) return false;

@@ -39,7 +39,8 @@ protected:
     sigset_t saved_mask_{};
     void SetUp() override {
         fortran_calls = native_calls = 0;
-        last_fortran = last_native = 0;
+        last_fortran = 0;
+        last_native = 0;
         for (int i = 0; i < 2; ++i) sigaction(kSignals[i], nullptr, &saved_[i]);
         sigprocmask(SIG_SETMASK, nullptr, &saved_mask_);
     }
