@@ -14,6 +14,7 @@ program tour
   call show_host()
   call show_environment()
   call show_posix_files()
+  call show_posix_processes()
 
 contains
 
@@ -265,5 +266,31 @@ contains
     call pxfstructfree(jstat, ierror)
     call pxfstructfree(jdirent, ierror)
   end subroutine show_posix_files
+
+  ! The command line, an environment round trip and a child process, the POSIX way.
+  subroutine show_posix_processes()
+    character(len=256) :: text
+    character(len=8) :: args(3) = [character(len=8) :: 'sh', '-c', 'exit 3']
+    integer(4) :: lens(3) = 0, ierror, ilen, i, ipid, istat, iretpid
+    call heading('POSIX processes and environment')
+    call item('ipxfargc', trim(str(ipxfargc())) // ' arguments after the command name')
+    do i = 0, ipxfargc()
+      call pxfgetarg(i, text, ilen, ierror)
+      call item('  argument ' // trim(str(i)), text(1:ilen))
+    end do
+    call pxfsetenv('TARVO_TOUR', 0, '  padded value  ', 0, 1, ierror)
+    call pxfgetenv('TARVO_TOUR', 0, text, ilen, ierror)
+    call item('pxfsetenv then pxfgetenv', '"' // text(1:ilen) // '" (blanks trimmed)')
+    call pxfgetenv('TARVO_NOT_SET', 0, text, ilen, ierror)
+    call item('pxfgetenv of unset name', 'ierror ' // trim(str(ierror)))
+    flush (6)
+    call pxffork(ipid, ierror)
+    if (ipid == 0) then
+      call pxfexecvp('sh', 0, args, lens, 3, ierror)
+      call pxffastexit(127)
+    end if
+    call pxfwaitpid(ipid, istat, 0, iretpid, ierror)
+    if (pxfwifexited(istat)) call item('child "sh -c ''exit 3''"', 'exited with ' // trim(str(ipxfwexitstatus(istat))))
+  end subroutine show_posix_processes
 
 end program tour

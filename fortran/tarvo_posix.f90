@@ -436,4 +436,5 @@ module tarvo_posix
       integer(4), intent(out) :: ierror
     end subroutine pxffputc
   end interface
+  include 'posix_process.inc'
 end module tarvo_posix

@@ -90,7 +90,8 @@ void for_getarg(const std::int32_t* m, char* buf, std::int32_t* result, std::siz
     } else {
         const char* word = native_word(number);
         length = static_cast<std::int32_t>(std::strlen(word));
-        base::CstrToFstr(buf, word, base::signed_length(buflen), length);
+        // A word cut to the buffer is no error here: the full length tells the caller.
+        base::store(buf, base::signed_length(buflen), word, static_cast<std::size_t>(length));
     }
     if (result != nullptr) *result = length;
 }

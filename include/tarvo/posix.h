@@ -223,6 +223,83 @@ void pxffgetc_(const int32_t *iunit, char *ch, int32_t *ierror, tarvo_len_t ch_l
 void pxfputc_(const char *ch, int32_t *ierror, tarvo_len_t ch_len) TARVO_NOEXCEPT;
 void pxffputc_(const int32_t *iunit, const char *ch, int32_t *ierror, tarvo_len_t ch_len) TARVO_NOEXCEPT;
 
+/* --- processes ----------------------------------------------------------------------- */
+
+/* SUBROUTINE PXFFORK(IPID, IERROR): the child sees IPID 0. */
+void pxffork_(int32_t *ipid, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFEXECV(PATH, LENPATH, ARGV, LENARGV, IARGC, IERROR): returns only on failure.
+ * A length of 0 stands for the declared length less trailing white space (at least one
+ * character); ARGV is CHARACTER*(*) ARGV(IARGC). */
+void pxfexecv_(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv,
+               const int32_t *iargc, int32_t *ierror, tarvo_len_t path_len, tarvo_len_t argv_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFEXECVE(PATH, LENPATH, ARGV, LENARGV, IARGC, ENV, LENENV, IENVC, IERROR) */
+void pxfexecve_(const char *path, const int32_t *lenpath, const char *argv, const int32_t *lenargv,
+                const int32_t *iargc, const char *env, const int32_t *lenenv, const int32_t *ienvc, int32_t *ierror,
+                tarvo_len_t path_len, tarvo_len_t argv_len, tarvo_len_t env_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFEXECVP(FILE, LENFILE, ARGV, LENARGV, IARGC, IERROR): searches PATH; lengths unchecked. */
+void pxfexecvp_(const char *file, const int32_t *lenfile, const char *argv, const int32_t *lenargv,
+                const int32_t *iargc, int32_t *ierror, tarvo_len_t file_len, tarvo_len_t argv_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFWAIT(ISTAT, IRETPID, IERROR) */
+void pxfwait_(int32_t *istat, int32_t *iretpid, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFWAITPID(IPID, ISTAT, IOPTIONS, IRETPID, IERROR) */
+void pxfwaitpid_(const int32_t *ipid, int32_t *istat, const int32_t *ioptions, int32_t *iretpid,
+                 int32_t *ierror) TARVO_NOEXCEPT;
+/* LOGICAL FUNCTION PXFWIFEXITED(ISTAT), PXFWIFSIGNALED, PXFWIFSTOPPED; INTEGER FUNCTION
+ * IPXFWEXITSTATUS(ISTAT), IPXFWTERMSIG, IPXFWSTOPSIG: the parts of a wait status. */
+int32_t pxfwifexited_(const int32_t *istat) TARVO_NOEXCEPT;
+int32_t ipxfwexitstatus_(const int32_t *istat) TARVO_NOEXCEPT;
+int32_t pxfwifsignaled_(const int32_t *istat) TARVO_NOEXCEPT;
+int32_t ipxfwtermsig_(const int32_t *istat) TARVO_NOEXCEPT;
+int32_t pxfwifstopped_(const int32_t *istat) TARVO_NOEXCEPT;
+int32_t ipxfwstopsig_(const int32_t *istat) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFEXIT(ISTATUS): flushes the Fortran units first. */
+void pxfexit_(const int32_t *istatus) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFFASTEXIT(ISTATUS): ends the process at once. */
+void pxffastexit_(const int32_t *istatus) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFKILL(IPID, ISIG, IERROR) */
+void pxfkill_(const int32_t *ipid, const int32_t *isig, int32_t *ierror) TARVO_NOEXCEPT;
+
+/* --- signals ------------------------------------------------------------------------- */
+
+/* SUBROUTINE PXFSIGACTION(ISIG, JSIGACT, JOSIGACT, IERROR): either handle may be 0. */
+void pxfsigaction_(const int32_t *isig, const int32_t *jsigact, const int32_t *josigact,
+                   int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSIGEMPTYSET(JSIGSET, IERROR), PXFSIGFILLSET */
+void pxfsigemptyset_(const int32_t *jsigset, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfsigfillset_(const int32_t *jsigset, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSIGADDSET(JSIGSET, ISIGNO, IERROR), PXFSIGDELSET */
+void pxfsigaddset_(const int32_t *jsigset, const int32_t *isigno, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfsigdelset_(const int32_t *jsigset, const int32_t *isigno, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSIGISMEMBER(JSIGSET, ISIGNO, ISMEMBER, IERROR) */
+void pxfsigismember_(const int32_t *jsigset, const int32_t *isigno, int32_t *ismember, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSIGPROCMASK(IHOW, JSIGSET, JOSIGSET, IERROR): exported under this name. */
+void fortran_pxfsigprocmask(const int32_t *ihow, const int32_t *jsigset, const int32_t *josigset,
+                            int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSIGPENDING(JSIGSET, IERROR), PXFSIGSUSPEND */
+void pxfsigpending_(const int32_t *jsigset, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfsigsuspend_(const int32_t *jsigset, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFALARM(ISECONDS, ISECLEFT, IERROR), PXFSLEEP */
+void pxfalarm_(const int32_t *iseconds, int32_t *isecleft, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfsleep_(const int32_t *iseconds, int32_t *isecleft, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFPAUSE(IERROR) */
+void pxfpause_(int32_t *ierror) TARVO_NOEXCEPT;
+
+/* --- environment and command line ------------------------------------------------- */
+
+/* SUBROUTINE PXFGETENV(ENVNAME, LENNAME, VALUE, LENVAL, IERROR) */
+void pxfgetenv_(const char *envname, const int32_t *lenname, char *value, int32_t *lenval, int32_t *ierror,
+                tarvo_len_t envname_len, tarvo_len_t value_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSETENV(ENVNAME, LENNAME, NEWVALUE, LENNEW, IOVERWRITE, IERROR) */
+void pxfsetenv_(const char *envname, const int32_t *lenname, const char *newvalue, const int32_t *lennew,
+                const int32_t *ioverwrite, int32_t *ierror, tarvo_len_t envname_len,
+                tarvo_len_t newvalue_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFCLEARENV(IERROR) */
+void pxfclearenv_(int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFGETARG(M, VALUE, ILEN, IERROR): M 0 is the command name. */
+void pxfgetarg_(const int32_t *m, char *value, int32_t *ilen, int32_t *ierror, tarvo_len_t value_len) TARVO_NOEXCEPT;
+/* INTEGER FUNCTION IPXFARGC(): the arguments after the command name. */
+int32_t ipxfargc_(void) TARVO_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif
