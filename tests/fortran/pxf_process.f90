@@ -12,6 +12,7 @@ end module pxf_process_handlers
 
 program pxf_process
   use tarvo_posix
+  use tarvo_portlib, only: getpid
   use tarvo_check
   use pxf_process_handlers
   implicit none
