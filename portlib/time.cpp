@@ -16,6 +16,7 @@
 #include "base/fstring.h"
 #include "portlib/testing.h"
 #include "runtime/process.h"
+#include "runtime/zone.h"
 #include <tarvo/portlib.h>
 
 static_assert(sizeof(std::time_t) == sizeof(std::intptr_t), "TIME returns the width of time_t");
@@ -25,13 +26,7 @@ namespace {
 constexpr const char* datetable[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
-// The zone is read again on every call, as localtime does, so a changed TZ takes effect.
-std::tm local_time(std::time_t t) noexcept {
-    std::tm tm{};
-    tzset();
-    localtime_r(&t, &tm);
-    return tm;
-}
+using runtime::local_time;
 
 std::tm local_now() noexcept { return local_time(std::time(nullptr)); }
 
@@ -52,7 +47,7 @@ void store_formatted(char* result, std::size_t result_len, const char* format, A
 
 // ctime of t (25 characters, newline included), or an empty text if it cannot be formed.
 const char* ctime_text(std::time_t t, char (&buffer)[32]) noexcept {
-    tzset();
+    runtime::keep_zone_current();
     if (ctime_r(&t, buffer) == nullptr) buffer[0] = '\0';
     return buffer;
 }

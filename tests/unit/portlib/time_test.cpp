@@ -110,6 +110,28 @@ TEST_F(TimeAndDate, ConversionsOfGivenInstantsMatchTheHost) {
     }
 }
 
+// The zone is read once per TZ value: a change of TZ (set, changed, removed) shows at the
+// very next call, also when nothing else called tzset in between.
+TEST_F(TimeAndDate, ZoneFollowsEveryChangeOfTz) {
+    const std::int32_t noon_utc = 43200;
+    const auto hour_in = [&](const char* tz) {
+        if (tz != nullptr) setenv("TZ", tz, 1);
+        else unsetenv("TZ");
+        std::array<std::int32_t, 9> t{};
+        ltime_(&noon_utc, t.data());
+        return t[2];
+    };
+    EXPECT_EQ(hour_in("JST-9"), 21);
+    EXPECT_EQ(hour_in("JST-9"), 21);
+    EXPECT_EQ(hour_in("EST5"), 7);
+    EXPECT_EQ(hour_in("UTC0"), 12);
+    setenv("TZ", "XYZ-3", 1);
+    FString when(24, 'x');
+    const std::int32_t epoch = 0;
+    ctime_(when.data(), when.size(), &epoch);
+    EXPECT_EQ(when.text.substr(11, 8), "03:00:00");
+}
+
 TEST_F(TimeAndDate, ClocksAndSecondsSinceMidnight) {
     timeval tv{};
     gettimeofday(&tv, nullptr);
