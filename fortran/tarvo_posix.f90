@@ -635,4 +635,5 @@ module tarvo_posix
       integer(4), intent(out) :: ierror
     end subroutine pxffputc
   end interface
+  include 'posix_system.inc'
 end module tarvo_posix
