@@ -112,6 +112,32 @@ void fill_from(Instance& instance, std::int32_t* ierror, Lookup lookup) noexcept
     report(ierror, error);
 }
 
+// A host lookup by key in the reentrant form: key, record, buffer, size, result.
+template <class Key, class Record>
+using HostLookup = int (*)(Key, Record*, char*, std::size_t, Record**);
+
+template <class Instance, class Key, class Record>
+void fill_by_id(const std::int32_t* handle, Key id, std::int32_t* ierror, HostLookup<Key, Record> host) noexcept {
+    auto* instance = resolve_instance<Instance>(handle, ierror);
+    if (instance == nullptr) return;
+    fill_from<Record>(*instance, ierror, [&](Record* record, char* buffer, std::size_t size, Record** result) {
+        return host(id, record, buffer, size, result);
+    });
+}
+
+// The handle is checked before the name is read; the name follows the ILEN rule of paths.
+template <class Instance, class Record>
+void fill_by_name(const char* name, const std::int32_t* ilen, std::size_t name_len, const std::int32_t* handle,
+                  std::int32_t* ierror, HostLookup<const char*, Record> host) noexcept {
+    auto* instance = resolve_instance<Instance>(handle, ierror);
+    if (instance == nullptr) return;
+    const Path key = path_arg(name, ilen, name_len);
+    if (!key) return report(ierror, errno);
+    fill_from<Record>(*instance, ierror, [&](Record* record, char* buffer, std::size_t size, Record** result) {
+        return host(key.c_str(), record, buffer, size, result);
+    });
+}
+
 }  // namespace
 }  // namespace posix
 
@@ -123,33 +149,19 @@ using posix::report_host;
 // SUBROUTINE PXFGETGRGID(IGID, JGROUP, IERROR) -- IERROR untouched on success
 extern "C" TARVO_API void pxfgetgrgid_(const std::int32_t* igid, const std::int32_t* jgroup,
                                        std::int32_t* ierror) noexcept {
-    auto* instance = posix::resolve_instance<posix::GroupInstance>(jgroup, ierror);
-    if (instance == nullptr) return;
-    posix::fill_from<group>(*instance, ierror, [&](group* record, char* buffer, std::size_t size, group** result) {
-        return ::getgrgid_r(static_cast<gid_t>(*igid), record, buffer, size, result);
-    });
+    posix::fill_by_id<posix::GroupInstance>(jgroup, static_cast<gid_t>(*igid), ierror, ::getgrgid_r);
 }
 
 // SUBROUTINE PXFGETGRNAM(NAME, ILEN, JGROUP, IERROR) -- IERROR untouched on success
 extern "C" TARVO_API void pxfgetgrnam_(const char* name, const std::int32_t* ilen, const std::int32_t* jgroup,
                                        std::int32_t* ierror, std::size_t name_len) noexcept {
-    auto* instance = posix::resolve_instance<posix::GroupInstance>(jgroup, ierror);
-    if (instance == nullptr) return;
-    const posix::Path group_name = posix::path_arg(name, ilen, name_len);
-    if (!group_name) return report(ierror, errno);
-    posix::fill_from<group>(*instance, ierror, [&](group* record, char* buffer, std::size_t size, group** result) {
-        return ::getgrnam_r(group_name.c_str(), record, buffer, size, result);
-    });
+    posix::fill_by_name<posix::GroupInstance>(name, ilen, name_len, jgroup, ierror, ::getgrnam_r);
 }
 
 // SUBROUTINE PXFGETPWUID(IUID, JPASSWD, IERROR) -- IERROR untouched on success
 extern "C" TARVO_API void pxfgetpwuid_(const std::int32_t* iuid, const std::int32_t* jpasswd,
                                        std::int32_t* ierror) noexcept {
-    auto* instance = posix::resolve_instance<posix::PasswdInstance>(jpasswd, ierror);
-    if (instance == nullptr) return;
-    posix::fill_from<passwd>(*instance, ierror, [&](passwd* record, char* buffer, std::size_t size, passwd** result) {
-        return ::getpwuid_r(static_cast<uid_t>(*iuid), record, buffer, size, result);
-    });
+    posix::fill_by_id<posix::PasswdInstance>(jpasswd, static_cast<uid_t>(*iuid), ierror, ::getpwuid_r);
 }
 
 // SUBROUTINE PXFGETPWNAM(NAME, ILEN, JPASSWD, IERROR) -- IERROR untouched on success
@@ -157,13 +169,7 @@ extern "C" TARVO_API void pxfgetpwnam_(const char* name, const std::int32_t* ile
                                        std::int32_t* ierror, std::size_t name_len) noexcept {
     // Unlike the group lookup, ILEN is held against NAME's declared length, before the handle.
     if (*ilen > base::low32_length(name_len)) return report(ierror, EINVAL, EINVAL);
-    auto* instance = posix::resolve_instance<posix::PasswdInstance>(jpasswd, ierror);
-    if (instance == nullptr) return;
-    const posix::Path user_name = posix::path_arg(name, ilen, name_len);
-    if (!user_name) return report(ierror, errno);
-    posix::fill_from<passwd>(*instance, ierror, [&](passwd* record, char* buffer, std::size_t size, passwd** result) {
-        return ::getpwnam_r(user_name.c_str(), record, buffer, size, result);
-    });
+    posix::fill_by_name<posix::PasswdInstance>(name, ilen, name_len, jpasswd, ierror, ::getpwnam_r);
 }
 
 // SUBROUTINE PXFGETLOGIN(S, ILEN, IERROR)
