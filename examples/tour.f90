@@ -15,6 +15,7 @@ program tour
   call show_environment()
   call show_posix_files()
   call show_posix_processes()
+  call show_posix_system()
 
 contains
 
@@ -292,5 +293,50 @@ contains
     call pxfwaitpid(ipid, istat, 0, iretpid, ierror)
     if (pxfwifexited(istat)) call item('child "sh -c ''exit 3''"', 'exited with ' // trim(str(ipxfwexitstatus(istat))))
   end subroutine show_posix_processes
+  ! The system, the user and group running the tour, and whether standard output is a terminal.
+  subroutine show_posix_system()
+    character(len=256) :: text, name
+    integer(4) :: ierror, ilen, juname, jpasswd, jgroup, id, count, now, at(9), ival
+    logical(4) :: is_tty
+    call heading('POSIX system, users and terminal')
+    call pxfstructcreate('utsname', juname, ierror)
+    call pxfuname(juname, ierror)
+    call pxfstrget(juname, 'sysname', text, ilen, ierror)
+    call pxfstrget(juname, 'machine', name, ilen, ierror)
+    call item('pxfuname', trim(text) // ' on ' // trim(name))
+    call pxfstructfree(juname, ierror)
+
+    call pxfgetuid(id, ierror)
+    call pxfstructcreate('passwd', jpasswd, ierror)
+    ierror = 0  ! the lookups leave IERROR alone when they succeed
+    call pxfgetpwuid(id, jpasswd, ierror)
+    call pxfstrget(jpasswd, 'pw_name', name, ilen, ierror)
+    call pxfstrget(jpasswd, 'pw_dir', text, ilen, ierror)
+    call item('user ' // trim(str(id)), trim(name) // ', home ' // trim(text))
+    call pxfstructfree(jpasswd, ierror)
+    call pxfgetgid(id, ierror)
+    call pxfstructcreate('group', jgroup, ierror)
+    ierror = 0
+    call pxfgetgrgid(id, jgroup, ierror)
+    call pxfstrget(jgroup, 'gr_name', name, ilen, ierror)
+    call pxfintget(jgroup, 'gr_nmem', count, ierror)
+    call item('group ' // trim(str(id)), trim(name) // ', ' // trim(str(count)) // ' listed members')
+    call pxfstructfree(jgroup, ierror)
+
+    call pxfisatty(1, is_tty, ierror)
+    if (is_tty) then
+      call pxfttyname(1, text, ilen, ierror)
+      call item('standard output', 'the terminal ' // text(1:ilen))
+    else
+      call item('standard output', 'not a terminal')
+    end if
+    call pxftime(now, ierror)
+    call pxflocaltime(now, at, ierror)
+    write (text, '(i4.4,"-",i2.2,"-",i2.2," ",i2.2,":",i2.2,", day ",i0," of the year")') &
+      at(6), at(5), at(4), at(3), at(2), at(8)
+    call item('pxflocaltime', trim(text))
+    call pxfsysconf(ipxfconst('_SC_OPEN_MAX'), ival, ierror)
+    call item('pxfsysconf _SC_OPEN_MAX', trim(str(ival)))
+  end subroutine show_posix_system
 
 end program tour

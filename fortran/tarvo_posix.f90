@@ -437,4 +437,5 @@ module tarvo_posix
     end subroutine pxffputc
   end interface
   include 'posix_process.inc'
+  include 'posix_system.inc'
 end module tarvo_posix

@@ -22,15 +22,6 @@
 namespace posix {
 namespace {
 
-// Runs a host call on the path argument and reports its result.
-template <class Call>
-void on_path(const char* path, const std::int32_t* ilen, std::size_t path_len, std::int32_t* ierror,
-             Call call) noexcept {
-    const Path p = path_arg(path, ilen, path_len);
-    if (!p) return report(ierror, errno);
-    report_host(ierror, call(p.c_str()));
-}
-
 template <class Call>
 void on_paths(const char* first, const std::int32_t* first_ilen, std::size_t first_len, const char* second,
               const std::int32_t* second_ilen, std::size_t second_len, std::int32_t* ierror, Call call) noexcept {

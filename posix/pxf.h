@@ -44,6 +44,16 @@ Path path_copy(const char* text, base::flen length) noexcept;
 // character, so an all-blank PATH is a path of one blank.
 Path path_arg(const char* path, const std::int32_t* ilen, std::size_t path_len) noexcept;
 
+// Runs a host call on the path argument (path_arg) and reports its result: IERROR is
+// errno when no copy can be made or the call returns -1, else 0.
+template <class Call>
+void on_path(const char* path, const std::int32_t* ilen, std::size_t path_len, std::int32_t* ierror,
+             Call call) noexcept {
+    const Path p = path_arg(path, ilen, path_len);
+    if (!p) return report(ierror, errno);
+    report_host(ierror, call(p.c_str()));
+}
+
 // The instance an allocatable handle names, whatever its type, or null when the handle
 // names nothing (IERROR = ENOHANDLE, errno = EINVAL).
 void* resolve_handle(const std::int32_t* handle, std::int32_t* ierror) noexcept;

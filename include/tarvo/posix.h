@@ -299,6 +299,91 @@ void pxfclearenv_(int32_t *ierror) TARVO_NOEXCEPT;
 void pxfgetarg_(const int32_t *m, char *value, int32_t *ilen, int32_t *ierror, tarvo_len_t value_len) TARVO_NOEXCEPT;
 /* INTEGER FUNCTION IPXFARGC(): the arguments after the command name. */
 int32_t ipxfargc_(void) TARVO_NOEXCEPT;
+/* --- terminal control ------------------------------------------------------------ */
+
+/* SUBROUTINE PXFTCGETATTR(IFILDES, JTERMIOS, IERROR): JTERMIOS a "termios" instance. */
+void pxftcgetattr_(const int32_t *ifildes, const int32_t *jtermios, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTCSETATTR(IFILDES, IOPTACTS, JTERMIOS, IERROR) */
+void pxftcsetattr_(const int32_t *ifildes, const int32_t *ioptacts, const int32_t *jtermios,
+                   int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFCFGETISPEED(JTERMIOS, IOSPEED, IERROR), PXFCFGETOSPEED(...): speed codes (B9600). */
+void pxfcfgetispeed_(const int32_t *jtermios, int32_t *iospeed, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfcfgetospeed_(const int32_t *jtermios, int32_t *iospeed, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFCFSETISPEED(JTERMIOS, ISPEED, IERROR), PXFCFSETOSPEED(...) */
+void pxfcfsetispeed_(const int32_t *jtermios, const int32_t *ispeed, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfcfsetospeed_(const int32_t *jtermios, const int32_t *ispeed, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTCSENDBREAK(IFILDES, IDURATION, IERROR) */
+void pxftcsendbreak_(const int32_t *ifildes, const int32_t *iduration, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTCDRAIN(IFILDES, IERROR) */
+void pxftcdrain_(const int32_t *ifildes, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTCFLUSH(IFILDES, IQUEUE, IERROR) */
+void pxftcflush_(const int32_t *ifildes, const int32_t *iqueue, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTCFLOW(IFILDES, IACTION, IERROR) */
+void pxftcflow_(const int32_t *ifildes, const int32_t *iaction, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTCGETPGRP(IFILDES, IPGID, IERROR), PXFTCSETPGRP(IFILDES, IPGID, IERROR) */
+void pxftcgetpgrp_(const int32_t *ifildes, int32_t *ipgid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxftcsetpgrp_(const int32_t *ifildes, const int32_t *ipgid, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFCTERMID(S, ILEN, IERROR), PXFTTYNAME(IFILDES, S, ILEN, IERROR): ETRUNC when
+ * the name is longer than S. */
+void pxfctermid_(char *s, int32_t *ilen, int32_t *ierror, tarvo_len_t s_len) TARVO_NOEXCEPT;
+void pxfttyname_(const int32_t *ifildes, char *s, int32_t *ilen, int32_t *ierror, tarvo_len_t s_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFISATTY(IFILDES, ISATTY, IERROR): ISATTY LOGICAL; IERROR always 0. */
+void pxfisatty_(const int32_t *ifildes, int32_t *isatty, int32_t *ierror) TARVO_NOEXCEPT;
+
+/* --- users, groups and identity -------------------------------------------------- */
+
+/* SUBROUTINE PXFGETGRGID(IGID, JGROUP, IERROR), PXFGETGRNAM(NAME, ILEN, JGROUP, IERROR):
+ * JGROUP a "group" instance; IERROR is not written on success (preset it). */
+void pxfgetgrgid_(const int32_t *igid, const int32_t *jgroup, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgetgrnam_(const char *name, const int32_t *ilen, const int32_t *jgroup, int32_t *ierror,
+                  tarvo_len_t name_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFGETPWUID(IUID, JPASSWD, IERROR), PXFGETPWNAM(NAME, ILEN, JPASSWD, IERROR):
+ * JPASSWD a "passwd" instance; IERROR is not written on success (preset it). */
+void pxfgetpwuid_(const int32_t *iuid, const int32_t *jpasswd, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgetpwnam_(const char *name, const int32_t *ilen, const int32_t *jpasswd, int32_t *ierror,
+                  tarvo_len_t name_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFGETLOGIN(S, ILEN, IERROR) */
+void pxfgetlogin_(char *s, int32_t *ilen, int32_t *ierror, tarvo_len_t s_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFGETPID(IPID, IERROR), PXFGETPPID, PXFGETUID(IUID, IERROR), PXFGETEUID,
+ * PXFGETGID(IGID, IERROR), PXFGETEGID, PXFGETPGRP(IPGRP, IERROR), PXFSETSID(ISID, IERROR) */
+void pxfgetpid_(int32_t *ipid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgetppid_(int32_t *ipid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgetuid_(int32_t *iuid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgeteuid_(int32_t *iuid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgetgid_(int32_t *igid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgetegid_(int32_t *igid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfgetpgrp_(int32_t *ipgrp, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfsetsid_(int32_t *isid, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSETUID(IUID, IERROR), PXFSETGID(IGID, IERROR), PXFSETPGID(IPID, IPGID, IERROR) */
+void pxfsetuid_(const int32_t *iuid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfsetgid_(const int32_t *igid, int32_t *ierror) TARVO_NOEXCEPT;
+void pxfsetpgid_(const int32_t *ipid, const int32_t *ipgid, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFGETGROUPS(IGIDSETSIZE, IGROUPLIST, INGROUPS, IERROR) */
+void pxfgetgroups_(const int32_t *igidsetsize, int32_t *igrouplist, int32_t *ingroups, int32_t *ierror) TARVO_NOEXCEPT;
+
+/* --- system information, time and file control ----------------------------------- */
+
+/* SUBROUTINE PXFUNAME(JUNAME, IERROR): JUNAME a "utsname" instance. */
+void pxfuname_(const int32_t *juname, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTIME(ITIME, IERROR): IERROR -1 when ITIME is absent (null). */
+void pxftime_(int32_t *itime, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFLOCALTIME(ISECNDS, IATIME, IERROR): IATIME(9) second, minute, hour, day,
+ * month 1-12, full year, weekday 0-6, day of year 1-366, daylight-saving flag. */
+void pxflocaltime_(const int32_t *isecnds, int32_t *iatime, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFTIMES(JTMS, ITIME, IERROR): JTMS a "tms" instance. */
+void pxftimes_(const int32_t *jtms, int32_t *itime, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFSYSCONF(NAME, IVAL, IERROR): a value of -1 is reported as a failure. */
+void pxfsysconf_(const int32_t *name, int32_t *ival, int32_t *ierror) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFMKFIFO(PATH, ILEN, IMODE, IERROR) */
+void pxfmkfifo_(const char *path, const int32_t *ilen, const int32_t *imode, int32_t *ierror,
+                tarvo_len_t path_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFCHOWN(PATH, ILEN, IOWNER, IGROUP, IERROR) */
+void pxfchown_(const char *path, const int32_t *ilen, const int32_t *iowner, const int32_t *igroup,
+               int32_t *ierror, tarvo_len_t path_len) TARVO_NOEXCEPT;
+/* SUBROUTINE PXFFCNTL(IFILDES, ICMD, IARGIN, IARGOUT, IERROR): IARGIN is a value for F_DUPFD,
+ * F_SETFD, F_SETFL, a "flock" handle for F_GETLK, F_SETLK, F_SETLKW, else passed by address. */
+void pxffcntl_(const int32_t *ifildes, const int32_t *icmd, int32_t *iargin, int32_t *iargout,
+               int32_t *ierror) TARVO_NOEXCEPT;
 
 #ifdef __cplusplus
 }
