@@ -49,9 +49,7 @@ extern "C" TARVO_API float rand_(const std::int32_t* flag) noexcept {
 }
 
 // REAL(4) FUNCTION RANDOM(FLAG) -- the compatibility module's RANDOM, exported only under
-// a name that Fortran source cannot spell
-extern "C" TARVO_API float quenvatix_random(const std::int32_t* flag) noexcept
-    __asm__("$$quenvatix$random_");
+// a name that Fortran source cannot spell (the label is declared in the public header)
 extern "C" TARVO_API float quenvatix_random(const std::int32_t* flag) noexcept {
     apply_flag(flag);
     return runtime::__FFfrand();

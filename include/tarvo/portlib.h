@@ -103,7 +103,14 @@ int32_t alarm_(const int32_t *seconds, void (*proc)(void)) TARVO_NOEXCEPT;  /* I
    on, any other value reseeds; RAN keeps its whole state in SEED. */
 float ran_(int32_t *seed) TARVO_NOEXCEPT;                 /* REAL FUNCTION RAN(SEED) */
 float rand_(const int32_t *flag) TARVO_NOEXCEPT;          /* REAL FUNCTION RAND([FLAG]) */
-float quenvatix_random(const int32_t *flag) TARVO_NOEXCEPT __asm__("$$quenvatix$random_");  /* REAL FUNCTION RANDOM(FLAG) */
+/* RANDOM is exported as "$$quenvatix$random_" only. GCC writes the label into assembler text,
+   where a leading "$" must be quoted; clang names the symbol directly. */
+#if defined(__clang__)
+#define TARVO_RANDOM_SYMBOL "$$quenvatix$random_"
+#else
+#define TARVO_RANDOM_SYMBOL "\"$$quenvatix$random_\""
+#endif
+float quenvatix_random(const int32_t *flag) TARVO_NOEXCEPT __asm__(TARVO_RANDOM_SYMBOL);  /* REAL FUNCTION RANDOM(FLAG) */
 double drand_(const int32_t *flag) TARVO_NOEXCEPT;        /* REAL(8) FUNCTION DRAND(FLAG) */
 double drandm_(const int32_t *flag) TARVO_NOEXCEPT;
 int32_t irand_(const int32_t *flag) TARVO_NOEXCEPT;       /* INTEGER FUNCTION IRAND([FLAG]) */
