@@ -221,21 +221,30 @@ extern "C" TARVO_API double idfloat_(const int32_t* i) noexcept __attribute__((a
 extern "C" TARVO_API double dfloatk_(const int64_t* i) noexcept { return converted<int64_t, double>(i); }
 extern "C" TARVO_API double cdfloat_(const float* re) noexcept { return converted<float, double>(re); }
 
-// REAL(4) FUNCTION BESJ0(X), BESJ1(X), BESJN(N, X), BESY0(X), BESY1(X), BESYN(N, X)
-extern "C" TARVO_API float besj0_(const float* x) noexcept { return bessel<float, ::j0, false>(x); }
-extern "C" TARVO_API float besj1_(const float* x) noexcept { return bessel<float, ::j1, false>(x); }
-extern "C" TARVO_API float besjn_(const int32_t* n, const float* x) noexcept { return bessel_n<float, ::jn, false>(n, x); }
-extern "C" TARVO_API float besy0_(const float* x) noexcept { return bessel<float, ::y0, true>(x); }
-extern "C" TARVO_API float besy1_(const float* x) noexcept { return bessel<float, ::y1, true>(x); }
-extern "C" TARVO_API float besyn_(const int32_t* n, const float* x) noexcept { return bessel_n<float, ::yn, true>(n, x); }
+// Each Bessel function in both kinds: NAME over REAL(4) and DNAME over REAL(8).
+#define TARVO_BESSEL(name, f, zero_at_infinity)                                                   \
+    extern "C" TARVO_API float name##_(const float* x) noexcept {                                 \
+        return bessel<float, f, zero_at_infinity>(x);                                             \
+    }                                                                                              \
+    extern "C" TARVO_API double d##name##_(const double* x) noexcept {                            \
+        return bessel<double, f, zero_at_infinity>(x);                                            \
+    }
+#define TARVO_BESSEL_N(name, f, zero_at_infinity)                                                 \
+    extern "C" TARVO_API float name##_(const int32_t* n, const float* x) noexcept {               \
+        return bessel_n<float, f, zero_at_infinity>(n, x);                                        \
+    }                                                                                              \
+    extern "C" TARVO_API double d##name##_(const int32_t* n, const double* x) noexcept {          \
+        return bessel_n<double, f, zero_at_infinity>(n, x);                                       \
+    }
 
-// REAL(8) FUNCTION DBESJ0(X), DBESJ1(X), DBESJN(N, X), DBESY0(X), DBESY1(X), DBESYN(N, X)
-extern "C" TARVO_API double dbesj0_(const double* x) noexcept { return bessel<double, ::j0, false>(x); }
-extern "C" TARVO_API double dbesj1_(const double* x) noexcept { return bessel<double, ::j1, false>(x); }
-extern "C" TARVO_API double dbesjn_(const int32_t* n, const double* x) noexcept { return bessel_n<double, ::jn, false>(n, x); }
-extern "C" TARVO_API double dbesy0_(const double* x) noexcept { return bessel<double, ::y0, true>(x); }
-extern "C" TARVO_API double dbesy1_(const double* x) noexcept { return bessel<double, ::y1, true>(x); }
-extern "C" TARVO_API double dbesyn_(const int32_t* n, const double* x) noexcept { return bessel_n<double, ::yn, true>(n, x); }
+// REAL FUNCTION BESJ0(X), BESJ1(X), BESJN(N, X); REAL(8) FUNCTION DBESJ0(X), DBESJ1(X), DBESJN(N, X)
+TARVO_BESSEL(besj0, ::j0, false)
+TARVO_BESSEL(besj1, ::j1, false)
+TARVO_BESSEL_N(besjn, ::jn, false)
+// REAL FUNCTION BESY0(X), BESY1(X), BESYN(N, X); REAL(8) FUNCTION DBESY0(X), DBESY1(X), DBESYN(N, X)
+TARVO_BESSEL(besy0, ::y0, true)
+TARVO_BESSEL(besy1, ::y1, true)
+TARVO_BESSEL_N(besyn, ::yn, true)
 
 // INTEGER FUNCTION RINDEX(STRING, SUBSTR) -- position of the last occurrence of SUBSTR,
 // comparing the full declared lengths (trailing blanks count); 0 when there is none. An
