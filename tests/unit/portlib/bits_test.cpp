@@ -99,9 +99,7 @@ TEST(Numeric, ComplementsDifferencesAndIntegerEdges) {
               std::make_tuple(min, 1, -1, 0));
     // The default action, not a sanitizer's report, ends the child.
     EXPECT_EXIT((std::signal(SIGFPE, SIG_DFL), jmod_(&a, &zero_divisor)), ::testing::KilledBySignal(SIGFPE), "");
-    const std::int32_t v = -123456789;
-    EXPECT_EQ(std::make_tuple(inmax_(), intc_(&v), long_(&lo), static_cast<std::int16_t>(short_(&v))),
-              std::make_tuple(max, v, -32768, static_cast<std::int16_t>(v)));
+    EXPECT_EQ(std::make_pair(long_(&lo), inmax_()), std::make_pair(-32768, max));
 }
 
 TEST(Numeric, ConversionsReadTheirArgumentWidthsAndYBesselsAreZeroAtInfinity) {
