@@ -16,6 +16,7 @@ program tour
   call show_posix_files()
   call show_posix_processes()
   call show_posix_system()
+  call show_signals_and_numbers()
 
 contains
 
@@ -338,5 +339,52 @@ contains
     call pxfsysconf(ipxfconst('_SC_OPEN_MAX'), ival, ierror)
     call item('pxfsysconf _SC_OPEN_MAX', trim(str(ival)))
   end subroutine show_posix_system
+  ! A signal handled by a Fortran subroutine, an alarm on the library's timer thread, a
+  ! random sequence replayed from its seed and shifts at the edges of their counts.
+  subroutine show_signals_and_numbers()
+    integer(SIGNAL_KIND) :: previous
+    integer :: seed, rc, tour_signals, tour_rang
+    real :: first(3), again(3)
+    character(len=40) :: text
+    ! Shared with the handler and the alarm procedure below.
+    common /tour_events/ tour_signals, tour_rang
+    call heading('Signals, alarm, random numbers and bits')
+    tour_signals = 0
+    previous = signal(10, tour_on_signal, SIGNAL_HANDLER)
+    rc = kill(getpid(), 10)
+    call item('signal 10 to itself', 'handler called ' // trim(str(tour_signals)) // ' time(s)')
+    previous = signal(10, tour_on_signal, SIGNAL_DEFAULT)
+    tour_rang = 0
+    rc = alarm(1, tour_on_alarm)
+    call item('alarm(1) set', 'result ' // trim(str(rc)) // '; a second request gives ' // &
+              trim(str(alarm(5, tour_on_alarm))) // ' second(s) left')
+    call sleep(2)
+    rc = alarm(0, tour_on_alarm)  ! orders this read after the timer thread's run
+    call item('after two seconds', 'the alarm rang ' // trim(str(tour_rang)) // ' time(s)')
+    call srand(2024)
+    call ranget(seed)
+    first = [rand(), rand(), rand()]
+    call iranset(seed)
+    again = [rand(), rand(), rand()]
+    write (text, '(3f9.6)') first
+    call item('rand after srand(2024)', trim(text))
+    call item('replayed from ranget', merge('the same three values', 'different values     ', all(first == again)))
+    call item('lshift(1, 33), (1, 64)', trim(str(lshift(1, 33))) // ', ' // trim(str(lshift(1, 64))))
+    call item('rshift(-8, 33)', trim(str(rshift(-8, 33))))
+    call item('rindex of "o"', 'in "hello world": ' // trim(str(rindex('hello world', 'o'))))
+  end subroutine show_signals_and_numbers
+
+  subroutine tour_on_signal(signum)
+    integer(4), intent(in) :: signum
+    integer :: tour_signals, tour_rang
+    common /tour_events/ tour_signals, tour_rang
+    if (signum == 10) tour_signals = tour_signals + 1
+  end subroutine tour_on_signal
+
+  subroutine tour_on_alarm()
+    integer :: tour_signals, tour_rang
+    common /tour_events/ tour_signals, tour_rang
+    tour_rang = tour_rang + 1
+  end subroutine tour_on_alarm
 
 end program tour

@@ -429,6 +429,10 @@ module tarvo_portlib
       integer(8), intent(in) :: offset
     end function fseeki8
   end interface fseek
+  include 'portlib_signal.inc'
+  include 'portlib_random.inc'
+  include 'portlib_bits.inc'
+
 contains
 
   function ctime_i8(stime)

@@ -94,6 +94,85 @@ int32_t getpos_(const int32_t *unit) TARVO_NOEXCEPT;
 int64_t getposi8_(const int32_t *unit) TARVO_NOEXCEPT;
 int32_t flush_(const int32_t *unit) TARVO_NOEXCEPT;
 
+/* Signals and alarm. A Fortran signal handler receives the signal number by reference; an
+   alarm procedure takes no argument and runs on the library's timer thread. */
+intptr_t signal_(const int32_t *signum, void (*proc)(int32_t *), const int32_t *flag) TARVO_NOEXCEPT;  /* INTEGER(POINTER_KIND) FUNCTION SIGNAL(SIGNUM, PROC, FLAG) */
+int32_t alarm_(const int32_t *seconds, void (*proc)(void)) TARVO_NOEXCEPT;  /* INTEGER FUNCTION ALARM(SECONDS, PROC) */
+
+/* Random numbers. FLAG: 1 restarts the shared sequence, 0 (or null where optional) draws
+   on, any other value reseeds; RAN keeps its whole state in SEED. */
+float ran_(int32_t *seed) TARVO_NOEXCEPT;                 /* REAL FUNCTION RAN(SEED) */
+float rand_(const int32_t *flag) TARVO_NOEXCEPT;          /* REAL FUNCTION RAND([FLAG]) */
+/* RANDOM is exported as "$$quenvatix$random_" only. GCC writes the label into assembler text,
+   where a leading "$" must be quoted; clang names the symbol directly. */
+#if defined(__clang__)
+#define TARVO_RANDOM_SYMBOL "$$quenvatix$random_"
+#else
+#define TARVO_RANDOM_SYMBOL "\"$$quenvatix$random_\""
+#endif
+float quenvatix_random(const int32_t *flag) TARVO_NOEXCEPT __asm__(TARVO_RANDOM_SYMBOL);  /* REAL FUNCTION RANDOM(FLAG) */
+double drand_(const int32_t *flag) TARVO_NOEXCEPT;        /* REAL(8) FUNCTION DRAND(FLAG) */
+double drandm_(const int32_t *flag) TARVO_NOEXCEPT;
+int32_t irand_(const int32_t *flag) TARVO_NOEXCEPT;       /* INTEGER FUNCTION IRAND([FLAG]) */
+int32_t irandm_(const int32_t *flag) TARVO_NOEXCEPT;
+void srand_(const int32_t *seed) TARVO_NOEXCEPT;          /* also seeds rand() for RANF */
+void ranset_(const float *seed) TARVO_NOEXCEPT;
+void dranset_(const double *seed) TARVO_NOEXCEPT;
+void iranset_(const int32_t *seed) TARVO_NOEXCEPT;
+void ranget_(int32_t *seed) TARVO_NOEXCEPT;
+void iranget_(int32_t *seed) TARVO_NOEXCEPT;
+float ranf_(void) TARVO_NOEXCEPT;                         /* rand() as a REAL, not scaled */
+
+/* Bit, shift and numeric routines. Bit positions count from 0 at the least significant bit. */
+void bis_(const int32_t *n, int32_t *word) TARVO_NOEXCEPT;
+void bic_(const int32_t *n, int32_t *word) TARVO_NOEXCEPT;
+int32_t bit_(const int32_t *n, const int32_t *word) TARVO_NOEXCEPT;            /* LOGICAL(4) */
+void bisi8_(const int32_t *n, int64_t *word) TARVO_NOEXCEPT;
+void bici8_(const int32_t *n, int64_t *word) TARVO_NOEXCEPT;
+int64_t biti8_(const int32_t *n, const int64_t *word) TARVO_NOEXCEPT;
+int32_t lshift_(const int32_t *value, const int32_t *count) TARVO_NOEXCEPT;
+int32_t rshift_(const int32_t *value, const int32_t *count) TARVO_NOEXCEPT;
+int32_t shiftl_(const int32_t *value, const int32_t *count) TARVO_NOEXCEPT;
+int32_t shiftr_(const int32_t *value, const int32_t *count) TARVO_NOEXCEPT;
+int64_t dshiftl_(const int64_t *left, const int64_t *right, const int64_t *count) TARVO_NOEXCEPT;
+int64_t dshiftr_(const int64_t *left, const int64_t *right, const int64_t *count) TARVO_NOEXCEPT;
+int64_t _dshiftl(int64_t left, int64_t right, int64_t count) TARVO_NOEXCEPT;   /* by value */
+int64_t _dshiftr(int64_t left, int64_t right, int64_t count) TARVO_NOEXCEPT;
+int32_t complint_(const int32_t *i) TARVO_NOEXCEPT;
+float complreal_(const float *r) TARVO_NOEXCEPT;
+int32_t compllog_(const int32_t *l) TARVO_NOEXCEPT;                              /* LOGICAL(4) */
+int32_t csmg_(const int32_t *x, const int32_t *y, const int32_t *mask) TARVO_NOEXCEPT;
+float dim_(const float *x, const float *y) TARVO_NOEXCEPT;
+double ddim_(const double *x, const double *y) TARVO_NOEXCEPT;
+int32_t iidim_(const int16_t *x, const int16_t *y) TARVO_NOEXCEPT;
+int32_t jdim_(const int32_t *x, const int32_t *y) TARVO_NOEXCEPT;
+int32_t jabs_(const int32_t *i) TARVO_NOEXCEPT;
+int32_t jmod_(const int16_t *a, const int16_t *p) TARVO_NOEXCEPT;                 /* P = 0 raises SIGFPE */
+int32_t inmax_(void) TARVO_NOEXCEPT;
+int32_t intc_(const int32_t *i) TARVO_NOEXCEPT;
+int32_t long_(const int16_t *i) TARVO_NOEXCEPT;
+int32_t short_(const int32_t *i) TARVO_NOEXCEPT;
+float ifloati_(const int16_t *i) TARVO_NOEXCEPT;
+float ifloatj_(const int32_t *i) TARVO_NOEXCEPT;
+double dfloati_(const int16_t *i) TARVO_NOEXCEPT;
+double dfloatj_(const int32_t *i) TARVO_NOEXCEPT;
+double idfloat_(const int32_t *i) TARVO_NOEXCEPT;
+double dfloatk_(const int64_t *i) TARVO_NOEXCEPT;
+double cdfloat_(const float *re) TARVO_NOEXCEPT;
+float besj0_(const float *x) TARVO_NOEXCEPT;
+float besj1_(const float *x) TARVO_NOEXCEPT;
+float besjn_(const int32_t *n, const float *x) TARVO_NOEXCEPT;
+float besy0_(const float *x) TARVO_NOEXCEPT;                                    /* 0 at infinity */
+float besy1_(const float *x) TARVO_NOEXCEPT;
+float besyn_(const int32_t *n, const float *x) TARVO_NOEXCEPT;
+double dbesj0_(const double *x) TARVO_NOEXCEPT;
+double dbesj1_(const double *x) TARVO_NOEXCEPT;
+double dbesjn_(const int32_t *n, const double *x) TARVO_NOEXCEPT;
+double dbesy0_(const double *x) TARVO_NOEXCEPT;
+double dbesy1_(const double *x) TARVO_NOEXCEPT;
+double dbesyn_(const int32_t *n, const double *x) TARVO_NOEXCEPT;
+int32_t rindex_(const char *string, const char *substr, tarvo_len_t string_len, tarvo_len_t substr_len) TARVO_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif
