@@ -98,12 +98,15 @@ void shell_reference(Bytes& data, std::int32_t code) {
 }
 
 // --- inputs -------------------------------------------------------------------------------
-enum class Shape { Random, Sorted, Reversed, FewDistinct, Special };
+enum class Shape { Random, Sorted, Reversed, FewDistinct, Special, SignedZeros };
 
 // Values that make equal-comparing elements distinguishable, or incomparable.
-Bytes special_value(std::int32_t code, std::mt19937_64& rng) {
+// SignedZeros leaves the NaNs out, so zeros of both signs are what the sort has to keep apart.
+Bytes special_value(std::int32_t code, std::mt19937_64& rng, Shape shape) {
     Bytes b(width_of(code), 0);
-    const int pick = static_cast<int>(rng() % 6);
+    static constexpr int kFloatsWithoutNan[] = {0, 1, 4, 5};
+    const int any = static_cast<int>(rng() % 6), no_nan = static_cast<int>(rng() % 4);
+    const int pick = shape == Shape::Special ? any : code == TARVO_SRT_REAL16 ? no_nan : kFloatsWithoutNan[no_nan];
     auto put = [&b](auto v) { std::memcpy(b.data(), &v, sizeof v); };
     switch (code) {
     case TARVO_SRT_REAL4: {
@@ -133,8 +136,8 @@ Bytes make_input(std::int32_t code, std::size_t n, Shape shape, std::mt19937_64&
     Bytes data(n * w);
     for (std::size_t i = 0; i < n; ++i) {
         unsigned char* e = &data[i * w];
-        if (shape == Shape::Special && rng() % 3 == 0) {
-            const Bytes v = special_value(code, rng);
+        if ((shape == Shape::Special || shape == Shape::SignedZeros) && rng() % 3 == 0) {
+            const Bytes v = special_value(code, rng, shape);
             std::memcpy(e, v.data(), w);
             continue;
         }
@@ -178,7 +181,8 @@ TEST(Sortqq, SameBytesAsTheShellSortForEveryCodeShapeAndSize) {
     // Sizes around the gap boundaries (13, 40, 121, 364, 1093) and the switch to radix sorting.
     const std::size_t sizes[] = {1, 2, 12, 13, 14, 40, 41, 121, 255, 256, 257, 364, 365, 1093, 1094, 5000};
     for (const std::int32_t code : kCodes)
-        for (const Shape shape : {Shape::Random, Shape::Sorted, Shape::Reversed, Shape::FewDistinct, Shape::Special})
+        for (const Shape shape : {Shape::Random, Shape::Sorted, Shape::Reversed, Shape::FewDistinct, Shape::Special,
+                                  Shape::SignedZeros})
             for (const std::size_t n : sizes) {
                 const std::size_t offset = n % 2;  // odd sizes start one byte off alignment
                 Bytes data = make_input(code, n, shape, rng);

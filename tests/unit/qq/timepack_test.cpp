@@ -1,0 +1,69 @@
+// PACKTIMEQQ and UNPACKTIMEQQ in fixed zones.
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <tuple>
+
+#include "support/support.h"
+#include <tarvo/qq.h>
+
+namespace {
+
+using Parts = std::tuple<int, int, int, int, int, int>;
+
+class TimePacking : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (const char* tz = std::getenv("TZ")) saved_ = tz, had_ = true;
+    }
+    void TearDown() override {
+        if (had_) setenv("TZ", saved_.c_str(), 1);
+        else unsetenv("TZ");
+        tzset();
+    }
+    static void zone(const char* tz) {
+        setenv("TZ", tz, 1);
+        tzset();
+    }
+    static std::int32_t pack(int y, int mo, int d, int h, int mi, int s) {
+        const std::int16_t p[] = {static_cast<std::int16_t>(y), static_cast<std::int16_t>(mo), static_cast<std::int16_t>(d),
+                                  static_cast<std::int16_t>(h), static_cast<std::int16_t>(mi), static_cast<std::int16_t>(s)};
+        std::int32_t t = 0;
+        packtimeqq_(&t, &p[0], &p[1], &p[2], &p[3], &p[4], &p[5]);
+        return t;
+    }
+    static Parts unpack(std::int32_t t) {
+        std::int16_t p[6] = {};
+        unpacktimeqq_(&t, &p[0], &p[1], &p[2], &p[3], &p[4], &p[5]);
+        return {p[0], p[1], p[2], p[3], p[4], p[5]};
+    }
+
+private:
+    std::string saved_;
+    bool had_ = false;
+};
+
+TEST_F(TimePacking, UtcValuesNormalisationAndDatesBefore1970) {
+    zone("UTC0");
+    EXPECT_EQ(pack(2024, 2, 29, 12, 34, 56), 1709210096);
+    EXPECT_EQ(unpack(1709210096), Parts(2024, 2, 29, 12, 34, 56));
+    EXPECT_EQ(unpack(0), Parts(1970, 1, 1, 0, 0, 0));
+    EXPECT_EQ(unpack(-1), Parts(1969, 12, 31, 23, 59, 59));  // sign-extended
+    EXPECT_EQ(unpack(INT32_MIN), Parts(1901, 12, 13, 20, 45, 52));
+    EXPECT_EQ(unpack(pack(2023, 13, 1, 0, 0, 0)), Parts(2024, 1, 1, 0, 0, 0));
+    EXPECT_EQ(unpack(pack(2023, 3, 0, 24, 0, 60)), Parts(2023, 3, 1, 0, 1, 0));
+    EXPECT_EQ(pack(2100, 1, 1, 0, 0, 0), static_cast<std::int32_t>(4102444800LL));  // cut to 32 bits
+}
+
+TEST_F(TimePacking, LocalZonesAndDaylightSavingDecidedByTheHost) {
+    zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    EXPECT_EQ(pack(1970, 1, 1, 1, 0, 0), 0);
+    EXPECT_EQ(pack(2024, 7, 1, 12, 0, 0), 1719828000);  // summer: UTC+2
+    for (const Parts& p : {Parts(2024, 7, 1, 12, 0, 0), Parts(1999, 12, 31, 23, 59, 59), Parts(1950, 6, 15, 6, 30, 0)}) {
+        const auto [y, mo, d, h, mi, s] = p;
+        EXPECT_EQ(unpack(pack(y, mo, d, h, mi, s)), p);
+    }
+}
+
+}  // namespace
