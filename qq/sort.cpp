@@ -6,6 +6,8 @@
 // byte strings, quadruple values without NaN, single and double values without NaN and not
 // both zeros) any correct sort gives the same bytes, and a radix sort is used; otherwise the
 // Shell sort itself runs.
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -53,6 +55,8 @@ constexpr W invert(W w) { return static_cast<W>(~w); }
 constexpr bool top_bit(U128 w) { return (w.hi >> 63) != 0; }
 template <class W>
 constexpr bool top_bit(W w) { return (w >> (8 * sizeof(W) - 1)) != 0; }
+constexpr U128 operator^(U128 a, U128 b) { return {a.lo ^ b.lo, a.hi ^ b.hi}; }
+constexpr U128 operator|(U128 a, U128 b) { return {a.lo | b.lo, a.hi | b.hi}; }
 constexpr bool less(U128 a, U128 b) { return a.hi != b.hi ? a.hi < b.hi : a.lo < b.lo; }
 template <class W>
 constexpr bool less(W a, W b) { return a < b; }
@@ -185,45 +189,50 @@ void shell_sort_strings(Byte* a, Index n, std::size_t width, Byte* held) noexcep
 }
 
 // --- radix sorts of keys -----------------------------------------------------------------
+// 11-bit digits. One pass by the most significant 11 bits in which keys differ cuts the
+// array into 2048 buckets small enough for the processor's caches; each bucket is then
+// sorted there, least significant digit first, and stored back. So the array crosses memory
+// about three times, whatever the key width.
 constexpr unsigned kDigitBits = 11;
 constexpr std::size_t kBuckets = std::size_t{1} << kDigitBits;
+// Radix sorting counts bucket sizes in 32 bits.
+constexpr std::size_t kRadixUpTo = 0xFFFFFFFFu;
 
 template <class K>
 unsigned digit(K k, unsigned shift) noexcept {
     return static_cast<unsigned>(k >> shift) & (kBuckets - 1);
 }
 unsigned digit(U128 k, unsigned shift) noexcept {
-    if (shift >= 64) return static_cast<unsigned>(k.hi >> (shift - 64)) & (kBuckets - 1);
-    std::uint64_t low = k.lo >> shift;
-    if (shift + kDigitBits > 64) low |= k.hi << (64 - shift);
-    return static_cast<unsigned>(low) & (kBuckets - 1);
+    if (shift >= 64) return digit(k.hi >> (shift - 64), 0);
+    if (shift == 0) return digit(k.lo, 0);
+    return digit((k.lo >> shift) | (k.hi << (64 - shift)), 0);
 }
 
-// Least significant digit first; passes over a digit that all keys share are skipped.
-// False when the memory could not be had (nothing has changed then).
+// Position of the highest set bit; w must not be zero.
 template <class K>
-bool radix_sort(K* keys, std::size_t n) noexcept {
-    constexpr unsigned kPasses = (8 * sizeof(K) + kDigitBits - 1) / kDigitBits;
-    auto spare = base::Owned<K>::with_room_for(n);
-    auto counts = base::Owned<std::size_t>(
-        static_cast<std::size_t*>(base::allocate_zeroed(kPasses * kBuckets, sizeof(std::size_t))));
-    if (!spare || !counts) return false;
-    std::size_t* count = counts.get();
-    for (std::size_t i = 0; i < n; ++i)
-        for (unsigned p = 0; p < kPasses; ++p) ++count[p * kBuckets + digit(keys[i], p * kDigitBits)];
+unsigned highest_bit(K w) noexcept {
+    return 8 * sizeof(unsigned long long) - 1 - static_cast<unsigned>(__builtin_clzll(w));
+}
+unsigned highest_bit(U128 w) noexcept { return w.hi != 0 ? 64 + highest_bit(w.hi) : highest_bit(w.lo); }
+constexpr bool is_zero(U128 w) { return (w.lo | w.hi) == 0; }
+template <class K>
+constexpr bool is_zero(K w) { return w == 0; }
+
+// Sorts keys[0, n) by their bits below `bits` through spare; the result is in keys.
+template <class K>
+void lsd_radix(K* keys, K* spare, std::uint32_t n, unsigned bits) noexcept {
     K* from = keys;
-    K* to = spare.get();
-    for (unsigned p = 0; p < kPasses; ++p) {
-        std::size_t* c = count + p * kBuckets;
-        const unsigned shift = p * kDigitBits;
-        if (c[digit(from[0], shift)] == n) continue;
-        std::size_t sum = 0;
-        for (std::size_t b = 0; b < kBuckets; ++b) sum += std::exchange(c[b], sum);
-        for (std::size_t i = 0; i < n; ++i) to[c[digit(from[i], shift)]++] = from[i];
+    K* to = spare;
+    for (unsigned shift = 0; shift < bits; shift += kDigitBits) {
+        std::uint32_t count[kBuckets] = {};
+        for (std::uint32_t i = 0; i < n; ++i) ++count[digit(from[i], shift)];
+        if (count[digit(from[0], shift)] == n) continue;  // one digit value: nothing to move
+        std::uint32_t sum = 0;
+        for (std::uint32_t& c : count) sum += std::exchange(c, sum);
+        for (std::uint32_t i = 0; i < n; ++i) to[count[digit(from[i], shift)]++] = from[i];
         std::swap(from, to);
     }
     if (from != keys) std::memcpy(keys, from, n * sizeof(K));
-    return true;
 }
 
 // Keys of one or two bytes: counted, then written out in order.
@@ -241,31 +250,80 @@ bool counting_sort(Byte* a, std::size_t n) noexcept {
     return true;
 }
 
+// Room for n keys. Large blocks ask for transparent huge pages: touching fresh memory one
+// small page at a time can cost more than the sort itself.
+template <class W>
+struct Scratch {
+    base::Owned<Byte> block;
+    W* keys;
+};
+template <class W>
+Scratch<W> scratch(std::size_t n) noexcept {
+    constexpr std::size_t kHugePage = std::size_t{2} << 20;
+    const std::size_t bytes = n * sizeof(W);
+    Scratch<W> room{base::Owned<Byte>::with_room_for(bytes + kHugePage), nullptr};
+    if (!room.block) return room;
+    const std::uintptr_t start = (reinterpret_cast<std::uintptr_t>(room.block.get()) + kHugePage - 1) & ~(kHugePage - 1);
+    if (bytes >= kHugePage) madvise(reinterpret_cast<void*>(start), bytes & ~(kHugePage - 1), MADV_HUGEPAGE);
+    room.keys = reinterpret_cast<W*>(start);
+    return room;
+}
+
+// False when the memory could not be had; the array is unchanged then.
 template <class Kind>
 bool radix_sort_elements(Byte* a, std::size_t n) noexcept {
     using W = typename Kind::Word;
-    if constexpr (sizeof(W) <= 2) {
+    constexpr std::size_t w = sizeof(W);
+    if constexpr (w <= 2) {
         return counting_sort<Kind>(a, n);
     } else {
-        // Aligned arrays are sorted where they are; others through a copy.
+        // Aligned arrays hold their keys in place; others get a copy.
         const bool aligned = reinterpret_cast<std::uintptr_t>(a) % alignof(W) == 0;
-        base::Owned<W> copy;
-        W* keys = reinterpret_cast<W*>(a);
-        if (!aligned) {
-            copy = base::Owned<W>::with_room_for(n);
-            if (!copy) return false;
-            keys = copy.get();
+        const Scratch<W> room = scratch<W>(aligned ? n : 2 * n);
+        if (room.keys == nullptr) return false;
+        W* spare = room.keys;
+        W* keys = aligned ? reinterpret_cast<W*>(a) : spare + n;
+        const W first = Kind::key(load<W>(a));
+        W differ{};
+        for (std::size_t i = 0; i < n; ++i) {
+            const W k = Kind::key(load<W>(a + i * w));
+            keys[i] = k;
+            differ = differ | (k ^ first);
         }
-        for (std::size_t i = 0; i < n; ++i) keys[i] = Kind::key(load<W>(a + i * sizeof(W)));
-        const bool sorted = radix_sort(keys, n);
-        for (std::size_t i = 0; i < n; ++i) store(a + i * sizeof(W), Kind::value(keys[i]));
-        return sorted;
+        if (is_zero(differ)) {  // all alike: only the key form to undo
+            for (std::size_t i = 0; i < n; ++i) store(a + i * w, Kind::value(keys[i]));
+            return true;
+        }
+        const unsigned top = highest_bit(differ) + 1;
+        const unsigned low = top > kDigitBits ? top - kDigitBits : 0;  // bits left to the buckets
+        std::size_t start[kBuckets] = {};
+        for (std::size_t i = 0; i < n; ++i) ++start[digit(keys[i], low)];
+        std::size_t sum = 0;
+        for (std::size_t& c : start) sum += std::exchange(c, sum);
+        std::size_t next[kBuckets];
+        std::memcpy(next, start, sizeof start);
+        for (std::size_t i = 0; i < n; ++i) spare[next[digit(keys[i], low)]++] = keys[i];
+        // Bucket b lies in spare[start[b], next[b]); sorted into the same place of keys, then
+        // stored back in value form while it is still in the cache.
+        for (std::size_t b = 0; b < kBuckets; ++b) {
+            const std::size_t count = next[b] - start[b];
+            if (count == 0) continue;
+            W* in = spare + start[b];
+            W* out = keys + start[b];
+            std::memcpy(out, in, count * w);
+            lsd_radix(out, in, static_cast<std::uint32_t>(count), low);
+            Byte* to = a + start[b] * w;
+            for (std::size_t i = 0; i < count; ++i) store(to + i * w, Kind::value(out[i]));
+        }
+        return true;
     }
 }
 
 template <class Kind>
 void sort_elements(Byte* a, Index n) noexcept {
-    if (n >= kRadixFrom && Kind::radix_safe(a, n) && radix_sort_elements<Kind>(a, static_cast<std::size_t>(n))) return;
+    if (n >= kRadixFrom && static_cast<std::size_t>(n) <= kRadixUpTo && Kind::radix_safe(a, n) &&
+        radix_sort_elements<Kind>(a, static_cast<std::size_t>(n)))
+        return;
     shell_sort<Kind>(a, n);
 }
 
@@ -288,7 +346,7 @@ bool sort_strings(Byte* a, Index n, std::int32_t width) noexcept {
     // reported the same way whichever sort then runs.
     base::Owned<Byte> held = base::Owned<Byte>::with_room_for(static_cast<std::size_t>(width));
     if (!held) return false;
-    if (n >= kRadixFrom) {
+    if (n >= kRadixFrom && static_cast<std::size_t>(n) <= kRadixUpTo) {
         switch (width) {
         case 1: if (counting_sort<ShortString<std::uint8_t>>(a, n)) return true; break;
         case 2: if (counting_sort<ShortString<std::uint16_t>>(a, n)) return true; break;
