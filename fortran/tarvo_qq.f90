@@ -151,4 +151,10 @@ module tarvo_qq
       integer(8), intent(inout) :: total, avail
     end function getdrivesizeqqi8
   end interface getdrivesizeqq
+  include 'qq_sort.inc'
+  include 'qq_process.inc'
+  include 'qq_signal.inc'
+  include 'qq_timepack.inc'
+contains
+  include 'qq_kinds.inc'
 end module tarvo_qq

@@ -27,6 +27,7 @@ extern "C" TARVO_API void unpacktimeqq_(const std::int32_t* timedate, std::int16
                                         std::int16_t* isec) noexcept {
     const std::time_t when = *timedate;
     std::tm parts;
+    tzset();  // a zone set since the last call counts, as it does for localtime
     if (localtime_r(&when, &parts) == nullptr) {
         *iyr = *imon = *iday = *ihr = *imin = *isec = -1;
         return;
