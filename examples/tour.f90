@@ -14,6 +14,7 @@ program tour
   call show_host()
   call show_environment()
   call show_posix_files()
+  call show_sort_sleep_and_packed_time()
 
 contains
 
@@ -265,5 +266,27 @@ contains
     call pxfstructfree(jstat, ierror)
     call pxfstructfree(jdirent, ierror)
   end subroutine show_posix_files
+
+  subroutine show_sort_sleep_and_packed_time()
+    real(8) :: values(6) = [3.5d0, -1d0, 42d0, 0d0, 2.25d0, -7.5d0], key = 2.25d0
+    integer :: n, t, year, month, day, hour, minute, second
+    integer(8) :: before, after, rate
+    character(len=80) :: text
+    call heading('Sorting, sleeping and packed times')
+    n = size(values)
+    call sortqq(loc(values), n, SRT_REAL8)
+    write (text, '(6f7.2)') values
+    call item('sortqq REAL(8)', trim(adjustl(text)))
+    call item('bsearchqq 2.25', 'index ' // trim(str(int(bsearchqq(loc(key), loc(values), n, SRT_REAL8)))))
+    call system_clock(before, rate)
+    call sleepqq(250)
+    call system_clock(after)
+    call item('sleepqq(250)', 'slept ' // trim(str(int((after - before) * 1000 / rate))) // ' ms')
+    call packtimeqq(t, 2000, 1, 1, 12, 0, 0)
+    call item('packtimeqq 2000-01-01', trim(str(t)) // ' s since 1970 (12:00 local time)')
+    call unpacktimeqq(t + 86400 * 366, year, month, day, hour, minute, second)
+    write (text, '(i4.4,"-",i2.2,"-",i2.2," ",i2.2,":",i2.2)') year, month, day, hour, minute
+    call item('unpacktimeqq + 366 days', trim(text))
+  end subroutine show_sort_sleep_and_packed_time
 
 end program tour
