@@ -53,7 +53,8 @@ TEST_F(TimePacking, UtcValuesNormalisationAndDatesBefore1970) {
     EXPECT_EQ(unpack(INT32_MIN), Parts(1901, 12, 13, 20, 45, 52));
     EXPECT_EQ(unpack(pack(2023, 13, 1, 0, 0, 0)), Parts(2024, 1, 1, 0, 0, 0));
     EXPECT_EQ(unpack(pack(2023, 3, 0, 24, 0, 60)), Parts(2023, 3, 1, 0, 1, 0));
-    EXPECT_EQ(pack(2100, 1, 1, 0, 0, 0), static_cast<std::int32_t>(4102444800LL));  // cut to 32 bits
+    // Beyond 2038: cut to 32 bits where time_t is wider, unrepresentable (-1) where it is not.
+    EXPECT_EQ(pack(2100, 1, 1, 0, 0, 0), sizeof(std::time_t) == 8 ? static_cast<std::int32_t>(4102444800LL) : -1);
 }
 
 TEST_F(TimePacking, LocalZonesAndDaylightSavingDecidedByTheHost) {
