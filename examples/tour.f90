@@ -269,8 +269,10 @@ contains
 
   subroutine show_sort_sleep_and_packed_time()
     real(8) :: values(6) = [3.5d0, -1d0, 42d0, 0d0, 2.25d0, -7.5d0], key = 2.25d0
-    integer :: n, t, year, month, day, hour, minute, second
+    integer(SRT_COUNT_KIND) :: n
     integer(8) :: before, after, rate
+    integer :: t
+    integer(2) :: year, month, day, hour, minute, second
     character(len=80) :: text
     call heading('Sorting, sleeping and packed times')
     n = size(values)

@@ -155,6 +155,4 @@ module tarvo_qq
   include 'qq_process.inc'
   include 'qq_signal.inc'
   include 'qq_timepack.inc'
-contains
-  include 'qq_kinds.inc'
 end module tarvo_qq

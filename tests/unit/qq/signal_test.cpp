@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdint>
 #include <string>
+#include <tuple>
 
 #include "support/support.h"
 #include <tarvo/qq.h>
@@ -85,22 +86,18 @@ TEST(Raiseqq, UnknownNumbersAndTheProbe) {
 }
 
 TEST(Matherrqq, PrintsTheNameAndTheTextOfTheErrorType) {
-    const auto report = [](const std::string& name, std::int16_t length, std::int32_t& type) {
+    // name, length, type in, printed, type out; RETCODE is always 0.
+    const std::tuple<std::string, std::int16_t, std::int32_t, std::string, std::int32_t> cases[] = {
+        {"SQRT", 4, 9, "SQRT: Unknown error\n", 0},
+        {"EXPONENT", 3, 3, "EXP: Overflow error\n", 3},
+        {"LOG   ", 6, 6, "LOG: Partial loss of precision\n", 6},
+        {"X", 1, -1, "X: Unknown error\n", 0}};
+    for (auto [name, length, type, printed, type_out] : cases) {
         tarvo_test::CapturedOutput out(1);
         std::int16_t retcode = 5;
         matherrqq_(name.data(), &length, &type, &retcode, name.size());
-        return out.text() + std::to_string(retcode);
-    };
-    std::int32_t type = 9;
-    EXPECT_EQ(report("SQRT", 4, type), "SQRT: Unknown error\n0");
-    EXPECT_EQ(type, 0);
-    type = 3;
-    EXPECT_EQ(report("EXPONENT", 3, type), "EXP: Overflow error\n0");
-    type = 6;
-    EXPECT_EQ(report("LOG   ", 6, type), "LOG: Partial loss of precision\n0");
-    type = -1;
-    EXPECT_EQ(report("X", 1, type), "X: Unknown error\n0");
-    EXPECT_EQ(type, 0);
+        EXPECT_TRUE(out.text() == printed && type == type_out && retcode == 0) << name;
+    }
 }
 
 }  // namespace
