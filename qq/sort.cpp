@@ -260,8 +260,9 @@ struct Scratch {
 template <class W>
 Scratch<W> scratch(std::size_t n) noexcept {
     constexpr std::size_t kHugePage = std::size_t{2} << 20;
-    const std::size_t bytes = n * sizeof(W);
-    Scratch<W> room{base::Owned<Byte>::with_room_for(bytes + kHugePage), nullptr};
+    std::size_t bytes, total;
+    if (__builtin_mul_overflow(n, sizeof(W), &bytes) || __builtin_add_overflow(bytes, kHugePage, &total)) return {};
+    Scratch<W> room{base::Owned<Byte>::with_room_for(total), nullptr};
     if (!room.block) return room;
     const std::uintptr_t start = (reinterpret_cast<std::uintptr_t>(room.block.get()) + kHugePage - 1) & ~(kHugePage - 1);
     if (bytes >= kHugePage) madvise(reinterpret_cast<void*>(start), bytes & ~(kHugePage - 1), MADV_HUGEPAGE);
