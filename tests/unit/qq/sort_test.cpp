@@ -160,7 +160,9 @@ TEST(Sortqq, RefusalsAndMissingMemory) {
         const bool typed = c.code >= 0x10000;
         EXPECT_EQ(count, typed ? 3000 : 0) << c.code;
         EXPECT_EQ(base::last_recorded_error(), typed ? 0 : ENOMEM);
-        if (typed) EXPECT_EQ(data, want);
+        if (typed) {
+            EXPECT_EQ(data, want);
+        }
     }
 }
 
