@@ -62,7 +62,7 @@ constexpr Code kCodes[] = {
     {16, 16, bytes_greater<16>},                         {17, 17, bytes_greater<17>},
 };
 
-// The described sort, element by element: gaps ..., 13, 4, 1; strictly-greater moves.
+// The Shell sort whose bytes SORTQQ keeps, element by element: gaps ..., 13, 4, 1; strictly-greater moves.
 void shell_reference(Bytes& data, const Code& c) {
     const std::size_t w = c.width;
     const long n = static_cast<long>(data.size() / w);
