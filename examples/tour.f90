@@ -17,6 +17,7 @@ program tour
   call show_posix_processes()
   call show_posix_system()
   call show_signals_and_numbers()
+  call show_sort_sleep_and_packed_time()
 
 contains
 
@@ -386,5 +387,28 @@ contains
     common /tour_events/ tour_signals, tour_rang
     tour_rang = tour_rang + 1
   end subroutine tour_on_alarm
+  subroutine show_sort_sleep_and_packed_time()
+    real(8) :: values(6) = [3.5d0, -1d0, 42d0, 0d0, 2.25d0, -7.5d0], key = 2.25d0
+    integer(SRT_COUNT_KIND) :: n
+    integer(8) :: before, after, rate
+    integer :: t
+    integer(2) :: year, month, day, hour, minute, second
+    character(len=80) :: text
+    call heading('Sorting, sleeping and packed times')
+    n = size(values)
+    call sortqq(loc(values), n, SRT_REAL8)
+    write (text, '(6f7.2)') values
+    call item('sortqq REAL(8)', trim(adjustl(text)))
+    call item('bsearchqq 2.25', 'index ' // trim(str(int(bsearchqq(loc(key), loc(values), n, SRT_REAL8)))))
+    call system_clock(before, rate)
+    call sleepqq(250)
+    call system_clock(after)
+    call item('sleepqq(250)', 'slept ' // trim(str(int((after - before) * 1000 / rate))) // ' ms')
+    call packtimeqq(t, 2000, 1, 1, 12, 0, 0)
+    call item('packtimeqq 2000-01-01', trim(str(t)) // ' s since 1970 (12:00 local time)')
+    call unpacktimeqq(t + 86400 * 366, year, month, day, hour, minute, second)
+    write (text, '(i4.4,"-",i2.2,"-",i2.2," ",i2.2,":",i2.2)') year, month, day, hour, minute
+    call item('unpacktimeqq + 366 days', trim(text))
+  end subroutine show_sort_sleep_and_packed_time
 
 end program tour

@@ -167,6 +167,11 @@ module tarvo_qq
       integer(8), intent(inout) :: total, avail
     end function getdrivesizeqqi8
   end interface getdrivesizeqq
+  include 'qq_sort.inc'
+  include 'qq_process.inc'
+  include 'qq_signal.inc'
+  include 'qq_timepack.inc'
+
 contains
 
   integer(4) function info_other_handle(files, buffer, handle)

@@ -1,0 +1,1 @@
+set(EXPECT_ABORT ON)
