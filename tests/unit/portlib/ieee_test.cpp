@@ -1,0 +1,255 @@
+// IEEE flags by keyword, Fortran trap handlers reached from real trapped operations in child
+// processes, the code derived from a signal context, and the MXCSR routines.
+#include <cfloat>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <sys/wait.h>
+#include <tuple>
+#include <ucontext.h>
+#include <unistd.h>
+
+#include "support/fp_state.h"
+#include "support/support.h"
+#include <tarvo/portlib.h>
+
+namespace {
+
+using namespace runtime::fp;
+using tarvo_test::FString;
+using tarvo_test::keep;
+using tarvo_test::run_time;
+
+std::int32_t flags(const std::string& action, const std::string& mode, const std::string& in, std::string* out = nullptr) {
+    FString result(24, '*');
+    const std::int32_t r = ieee_flags_(action.data(), mode.data(), in.data(), result.data(), action.size(),
+                                       mode.size(), in.size(), result.size());
+    if (out != nullptr) *out = result.trimmed();
+    return r;
+}
+std::tuple<std::int32_t, std::string> get(const std::string& mode, const std::string& in = " ") {
+    std::string out;
+    const std::int32_t r = flags("get", mode, in, &out);
+    return {r, out};
+}
+std::intptr_t handler(const std::string& action, const std::string& exception,
+                      void (*fn)(std::int32_t*, const std::int32_t*)) {
+    return ieee_handler_(action.data(), exception.data(), fn, action.size(), exception.size());
+}
+
+// The Fortran handler of the child processes: reports the signal and code through a pipe.
+int report_fd = -1;
+void report(std::int32_t* signum, const std::int32_t* code) {
+    const std::int32_t v[2] = {*signum, *code};
+    if (write(report_fd, v, sizeof v) != sizeof v) _exit(3);
+}
+
+struct Trap {
+    int status;
+    std::int32_t signum, code;
+};
+// Runs fn in a child with `report` installed for `exception`; how the child ended and
+// what the handler received (0, 0 when it was not called).
+Trap trap(const char* exception, const std::function<void()>& fn) {
+    int fds[2];
+    EXPECT_EQ(pipe(fds), 0);
+    const int status = tarvo_test::run_in_child([&] {
+        report_fd = fds[1];
+        if (handler("set", exception, report) != 0) return 2;
+        fn();
+        return 0;
+    });
+    close(fds[1]);
+    std::int32_t v[2] = {0, 0};
+    if (read(fds[0], v, sizeof v) != sizeof v) v[0] = v[1] = 0;
+    close(fds[0]);
+    return {status, v[0], v[1]};
+}
+void expect_trap(const Trap& t, std::int32_t code) {
+    EXPECT_TRUE(WIFEXITED(t.status) && WEXITSTATUS(t.status) == 9) << std::hex << t.status;
+    EXPECT_EQ(t.signum, SIGFPE);
+    EXPECT_EQ(t.code, code);
+}
+
+class IeeeFlags : public tarvo_test::FpStateTest {};
+class IeeeHandler : public tarvo_test::FpStateTest {};
+
+TEST_F(IeeeFlags, DirectionAndPrecisionReadBackWithTheirOwnNumbers) {
+    EXPECT_EQ(get("direction"), std::make_tuple(0, std::string("nearest")));
+    EXPECT_EQ(get("precision"), std::make_tuple(3, std::string("extended")));
+    const std::tuple<const char*, const char*, int> cases[] = {
+        {"direction", "tozero", 3}, {"direction", "negative", 1}, {"Direction", "POSITIVE", 2},
+        {"direction", "nearest", 0}, {"precision", "single", 0}, {"precision", "double", 2},
+        {"PRECISION", "extended", 3},
+    };
+    for (const auto& [mode, in, number] : cases) {
+        EXPECT_EQ(flags("SET", mode, in), 0) << in;
+        std::string out;
+        EXPECT_EQ(flags("Get", mode, "", &out), number) << in;
+        EXPECT_STRCASEEQ(out.c_str(), in);
+    }
+    flags("set", "direction", "tozero");
+    flags("set", "precision", "single");
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions | kRoundChop | kPrecision24);
+    EXPECT_EQ(flags("clear", "direction", "anything"), 0);
+    EXPECT_EQ(flags("clear", "precision", ""), 0);
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions);
+}
+
+TEST_F(IeeeFlags, ExceptionsRaisedByRealOperations) {
+    EXPECT_EQ(get("exception"), std::make_tuple(0, std::string()));
+    keep(run_time(0.0) / run_time(0.0));
+    keep(run_time(DBL_MAX) * run_time(2.0));
+    EXPECT_EQ(get("exception", "overflow"), std::make_tuple(1 | 8 | 32, std::string("overflow")));
+    EXPECT_EQ(get("exception"), std::make_tuple(41, std::string("invalid")));
+    EXPECT_EQ(get("exception", "division"), std::make_tuple(41, std::string("invalid")));
+    runtime::clearfp();
+    keep(run_time(1.0L) / run_time(0.0L));
+    keep(run_time(LDBL_MIN) / run_time(1e10L));
+    EXPECT_EQ(get("exception", "inexact"), std::make_tuple(4 | 16 | 32, std::string("inexact")));
+    EXPECT_EQ(get("exception"), std::make_tuple(52, std::string("division")));
+}
+
+TEST_F(IeeeFlags, TrapMasksByKeywordAndClearAll) {
+    EXPECT_EQ(flags("set", "exception", "common"), 0);
+    EXPECT_EQ(runtime::controlfp(0, 0), kInexact | kDenormal);
+    EXPECT_EQ(mxcsr() & 0x1F80u, 0x1100u);
+    EXPECT_EQ(flags("clear", "exception", "ALL"), 0);
+    EXPECT_EQ(flags("set", "exception", "overflow"), 0);
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions - kOverflow);
+    keep(run_time(1.0) / run_time(0.0));  // masked: raises the flag only
+    EXPECT_EQ(flags("clear", "exception", "overflow"), 0);
+    EXPECT_EQ(runtime::statusfp(), kZeroDivide);
+    flags("set", "direction", "positive");
+    EXPECT_EQ(flags("clearall", "ignored", "ignored"), 0);
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions);
+    EXPECT_EQ(runtime::statusfp(), 0u);
+    EXPECT_EQ(flags("set", "exception", "all"), 0);
+    EXPECT_EQ(runtime::controlfp(0, 0), 0u);
+}
+
+TEST_F(IeeeFlags, UnknownKeywordsChangeNothing) {
+    std::string out;
+    EXPECT_EQ(flags("get", "rounding", "", &out), 1);
+    EXPECT_EQ(out, "mode not available");
+    for (const auto& [action, mode, in] : {std::make_tuple("set", "direction", "up"),
+                                           std::make_tuple("set", "exception", "denormal"),
+                                           std::make_tuple("clear", "exception", "none"),
+                                           std::make_tuple("clear", "rounding", "nearest"),
+                                           std::make_tuple("reset", "direction", "nearest")}) {
+        EXPECT_EQ(flags(action, mode, in, &out), 1) << action << mode << in;
+        EXPECT_EQ(out, "");
+    }
+    EXPECT_EQ(flags("set precision", "direction single", "tozero x"), 0);  // cut at the blank
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions | kRoundChop);
+    EXPECT_EXIT(flags("get", "direction", std::string(21, ' ')), ::testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST_F(IeeeHandler, WordListsAcceptPrefixesThatFirstOccurAtAWord) {
+    const std::tuple<const char*, const char*, std::intptr_t> cases[] = {
+        {"s", "inv", 0},  {"CLEAR", "Common", 0}, {"c", "a", 1},    {"se", "o", 1},  {"et", "all", 1},
+        {"", "all", 1},   {"get", "", 1},         {"gets", "all", 1}, {"get", "all", 1}, {"g", "co", 1},
+        {"get", "ovf", 1}, {"g", "und", 0},    {"clear", "inexact ", 0},
+    };
+    for (const auto& [action, exception, result] : cases)
+        EXPECT_EQ(handler(action, exception, report), result) << action << "/" << exception;
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions);
+    EXPECT_EQ(handler("get", "division", nullptr), 0);
+}
+
+TEST_F(IeeeHandler, SetUnmasksBothUnitsStoresTheHandlerAndClearUndoes) {
+    EXPECT_EQ(handler("set", "division", report), 0);
+    EXPECT_EQ(handler("get", "d", nullptr), reinterpret_cast<std::intptr_t>(report));
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions - kZeroDivide);
+    EXPECT_EQ(mxcsr() & 0x1F80u, 0x1D80u);
+    struct sigaction act {};
+    sigaction(SIGFPE, nullptr, &act);
+    EXPECT_EQ(act.sa_sigaction, general_handler);
+    EXPECT_EQ(act.sa_flags & (SA_SIGINFO | SA_NODEFER), SA_SIGINFO | SA_NODEFER);
+    EXPECT_EQ(handler("clear", "all", nullptr), 0);
+    EXPECT_EQ(handler("get", "division", nullptr), 0);
+    EXPECT_EQ(runtime::controlfp(0, 0), kExceptions);
+    ieee_set_mxcsr(0x1 | 0x10);
+    EXPECT_EQ(mxcsr() & 0x1F80u, 0x0F00u);
+    ieee_clear_mxcsr(0x1F);
+    EXPECT_EQ(mxcsr() & 0x1F80u, 0x1F80u);
+}
+
+#if defined(__x86_64__)
+TEST_F(IeeeHandler, SseTrapsReachTheHandlerWithTheirCodes) {
+    expect_trap(trap("division", [] { keep(run_time(1.0) / run_time(0.0)); }), 131);
+    expect_trap(trap("common", [] { keep(run_time(DBL_MAX) * run_time(4.0)); }), 132);
+    expect_trap(trap("underflow", [] { keep(run_time(DBL_MIN) / run_time(1e10)); }), 133);
+    expect_trap(trap("invalid", [] { keep(run_time(0.0) / run_time(0.0)); }), 129);
+    expect_trap(trap("all", [] { keep(run_time(1.0f) / run_time(3.0f)); }), 134);
+}
+#endif
+
+TEST_F(IeeeHandler, X87TrapsReachTheHandlerWithTheirCodes) {
+    expect_trap(trap("division", [] { keep(run_time(1.0L) / run_time(0.0L)); }), 131);
+    expect_trap(trap("common", [] { keep(run_time(LDBL_MAX) * run_time(4.0L)); }), 132);
+    expect_trap(trap("underflow", [] { keep(run_time(LDBL_MIN) / run_time(1e10L)); }), 133);
+    expect_trap(trap("invalid", [] { keep(run_time(0.0L) / run_time(0.0L)); }), 129);
+}
+
+TEST_F(IeeeHandler, MaskedOrUnhandledExceptions) {
+    const Trap masked = trap("overflow", [] {
+        handler("clear", "overflow", nullptr);
+        keep(run_time(DBL_MAX) * run_time(4.0L));
+    });
+    EXPECT_TRUE(WIFEXITED(masked.status) && WEXITSTATUS(masked.status) == 0);
+    EXPECT_EQ(masked.code, 0);
+    // A trapped exception without a handler still ends the process with 9.
+    const Trap other = trap("overflow", [] {
+        runtime::controlfp(0, kZeroDivide);
+        keep(run_time(1.0) / run_time(0.0));
+    });
+    EXPECT_TRUE(WIFEXITED(other.status) && WEXITSTATUS(other.status) == 9);
+    EXPECT_EQ(other.code, 0);
+}
+
+// general_handler entered directly, as the kernel would for a trap it left unclassified.
+struct Context {
+    ucontext_t uc{};
+    alignas(64) unsigned char fp[512]{};
+    siginfo_t info{};
+    Context(long trapno, std::uint16_t cw, std::uint16_t sw, std::uint32_t csr, int code = 0) {
+        uc.uc_mcontext.gregs[REG_TRAPNO] = trapno;
+        info.si_code = code;
+#if defined(__x86_64__)
+        const int offsets[] = {0, 2, 24};
+#else
+        const int offsets[] = {0, 4, 136};  // MXCSR in the kernel's FXSR image (magic 0)
+#endif
+        std::memcpy(fp + offsets[0], &cw, 2);
+        std::memcpy(fp + offsets[1], &sw, 2);
+        std::memcpy(fp + offsets[2], &csr, 4);
+    }
+    // Enters general_handler in a child where the handler is set for every exception.
+    Trap enter(bool with_info = true, bool with_fp = true) {
+        return trap("all", [&] {
+            uc.uc_mcontext.fpregs = with_fp ? reinterpret_cast<decltype(uc.uc_mcontext.fpregs)>(fp) : nullptr;
+            general_handler(SIGFPE, with_info ? &info : nullptr, &uc);
+        });
+    }
+};
+
+TEST_F(IeeeHandler, CodeDerivedFromTheSavedMachineState) {
+    // SIMD: zero divide raised but masked, overflow raised and unmasked.
+    expect_trap(Context(19, 0x037F, 0, 0x1F80 - 0x400 + 0x0C).enter(), 132);
+    // x87: underflow and invalid raised and unmasked; underflow comes first.
+    expect_trap(Context(16, 0x037F - 0x11, 0x11, 0x1F80).enter(), 133);
+    expect_trap(Context(16, 0x0360, 0x3F, 0).enter(), 131);
+    // A code the kernel gave is used as it stands; integer division and overflow included.
+    expect_trap(Context(16, 0x037F, 0, 0, FPE_INTDIV).enter(), 131);
+    expect_trap(Context(16, 0x037F, 0, 0, FPE_INTOVF).enter(), 132);
+    const auto exits_1 = [](const Trap& t) { return WIFEXITED(t.status) && WEXITSTATUS(t.status) == 1 && t.code == 0; };
+    EXPECT_TRUE(exits_1(Context(14, 0x0360, 0x3F, 0).enter()));  // not a floating-point trap
+    EXPECT_TRUE(exits_1(Context(16, 0x037F, 0x3F, 0).enter()));  // everything masked
+    EXPECT_TRUE(exits_1(Context(16, 0x037D, 0x02, 0).enter()));  // denormal has no code
+    EXPECT_TRUE(exits_1(Context(19, 0, 0, 0x1F80 - 0x200 + 0x4).enter(true, false)));
+    EXPECT_TRUE(exits_1(Context(19, 0, 0, 0x1F80 - 0x200 + 0x4).enter(false)));
+    EXPECT_TRUE(exits_1(Context(16, 0x037F, 0, 0, FPE_FLTSUB).enter()));
+}
+
+}  // namespace
