@@ -397,4 +397,6 @@ module tarvo_portlib
       integer(8), intent(in) :: offset
     end function fseeki8
   end interface fseek
+
+  include 'portlib_ieee.inc'
 end module tarvo_portlib

@@ -151,4 +151,6 @@ module tarvo_qq
       integer(8), intent(inout) :: total, avail
     end function getdrivesizeqqi8
   end interface getdrivesizeqq
+
+  include 'qq_fpcontrol.inc'
 end module tarvo_qq
