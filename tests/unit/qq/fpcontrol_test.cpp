@@ -1,6 +1,5 @@
 // The QQ control and status words (x87 layout): translated through the abstract word on
 // x86-64, loaded into the x87 unit directly on i386, with the i386-only x87 routines.
-#include <cfloat>
 #include <cstdint>
 
 #include "support/fp_state.h"
@@ -21,23 +20,7 @@ protected:
         EXPECT_EQ(a, b);
         return a;
     }
-    static std::int16_t status() {
-        std::int16_t a = 0, b = 0;
-        getstatusfpqq_(&a);
-        sswrqq_(&b);
-        EXPECT_EQ(a, b);
-        return a;
-    }
 };
-
-TEST_F(QqFpControl, StatusFollowsRealOperationsUntilCleared) {
-    keep(run_time(1.0) / run_time(0.0));
-    EXPECT_EQ(status(), 0x0004);
-    keep(run_time(LDBL_MAX) * run_time(2.0L));
-    EXPECT_EQ(status(), 0x0004 | 0x0008 | 0x0020);
-    clearstatusfpqq_();
-    EXPECT_EQ(status(), 0);
-}
 
 #if !defined(__i386__)
 
@@ -96,6 +79,9 @@ TEST_F(QqFpControl, Control87ChangesOnlyWholeFields) {
 
 TEST_F(QqFpControl, StatusClearAndWholeStateRoutines) {
     keep(run_time(1.0L) / run_time(0.0L));
+    std::int16_t sw = 0;
+    sswrqq_(&sw);
+    EXPECT_EQ(sw, 0x4);
     EXPECT_EQ(_status87(), 0x8u);
     EXPECT_EQ(_clear87(), 0x8u);
     EXPECT_EQ(_status87(), 0u);

@@ -1,10 +1,10 @@
-// Floating-point tests: the calling thread's control words, flags and SIGFPE action come
-// back after each test, and values the compiler cannot fold.
+// Floating-point tests: the thread's control words, flags and SIGFPE action come back after
+// each test. Operands pass through volatile, so each operation runs in the unit its type
+// selects: double in SSE on x86-64 (x87 on i386), long double in the x87 unit.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <csignal>
-#include <cstdint>
 
 #include "runtime/fpcontrol.h"
 
@@ -12,12 +12,7 @@ namespace tarvo_test {
 
 class FpStateTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        cw_ = runtime::fp::x87_control();
-        csr_ = runtime::fp::mxcsr();
-        sigaction(SIGFPE, nullptr, &fpe_);
-        runtime::clearfp();
-    }
+    void SetUp() override { sigaction(SIGFPE, nullptr, &fpe_), runtime::clearfp(); }
     void TearDown() override {
         runtime::fp::clear_x87_exceptions();
         runtime::fp::load_x87_control(cw_);
@@ -26,13 +21,11 @@ protected:
     }
 
 private:
-    std::uint16_t cw_ = 0;
-    std::uint32_t csr_ = 0;
+    std::uint16_t cw_ = runtime::fp::x87_control();
+    std::uint32_t csr_ = runtime::fp::mxcsr();
     struct sigaction fpe_ {};
 };
 
-// Operands read through volatile, so every operation runs at run time in the unit its type
-// selects: double in SSE on x86-64 (x87 on i386), long double in the x87 unit.
 template <class T>
 T run_time(T value) {
     volatile T v = value;
