@@ -14,6 +14,7 @@ program tour
   call show_host()
   call show_environment()
   call show_posix_files()
+  call show_floating_point()
 
 contains
 
@@ -265,5 +266,35 @@ contains
     call pxfstructfree(jstat, ierror)
     call pxfstructfree(jdirent, ierror)
   end subroutine show_posix_files
+
+  subroutine show_floating_point()
+    integer(2) :: start, cw, sw
+    real(8), volatile :: one = 1, three = 3, zero = 0, x
+    real(8) :: down, up
+    character(len=20) :: out
+    character(len=40) :: bits
+    call heading('Floating-point control')
+    call getcontrolfpqq(start)
+    write (out, '("0x",z4.4)') start
+    call item('control word at start', out)
+    call setcontrolfpqq(ior(iand(start, not(FPCW_MCW_RC)), FPCW_DOWN))
+    down = one / three
+    call setcontrolfpqq(ior(iand(start, not(FPCW_MCW_RC)), FPCW_UP))
+    up = one / three
+    write (bits, '(z16.16,1x,z16.16)') transfer(down, 0_8), transfer(up, 0_8)
+    call item('1/3 rounded down, up', bits)
+    call item('ieee_flags get direction', trim(str(ieee_flags('get', 'direction', '', out)))// ' ' // out)
+    call setcontrolfpqq(start)
+    call clearstatusfpqq()
+    x = one / zero
+    call getstatusfpqq(sw)
+    call item('status after 1/0', merge('zero divide flag raised', 'no flag                ', &
+                                        iand(sw, FPSW_ZERODIVIDE) /= 0))
+    call item('ieee_flags get exception', trim(str(ieee_flags('get', 'exception', '', out))) // ' ' // out)
+    call clearstatusfpqq()
+    call getcontrolfpqq(cw)
+    write (out, '("0x",z4.4)') cw
+    call item('control word restored', out)
+  end subroutine show_floating_point
 
 end program tour
