@@ -1,6 +1,7 @@
 // IEEE flags and trap handlers: the floating-point environment read and changed by
 // keywords, Fortran subroutines called for trapped exceptions, and direct MXCSR masks.
 #include <atomic>
+#include <bit>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
@@ -48,7 +49,6 @@ constexpr ExceptionKeyword kExceptionKeywords[] = {
     {"overflow", only(overflow), 0},    {"invalid", only(invalid), 0},   {"all", kCommon | only(inexact), kDenormal},
     {"common", kCommon, 0},
 };
-constexpr std::size_t kGroupKeywords = 5;  // keywords from here on name several exceptions
 
 std::uint32_t control_bits(const ExceptionKeyword& k) noexcept {
     std::uint32_t bits = k.extra_control;
@@ -192,18 +192,15 @@ void change_mxcsr(std::uint32_t masks, bool mask) noexcept {
     load_mxcsr(mask ? (csr | masks) : (csr & ~masks));
 }
 
+// The control word reaches MXCSR too, so one change covers the traps of both units.
 std::intptr_t apply_handler(Action action, const ExceptionKeyword& k, FortranHandler handler) noexcept {
-    const bool group = &k >= kExceptionKeywords + kGroupKeywords;
     if (action == get) {
-        if (group) return 1;
-        for (int e = 0; e < kExceptionCount; ++e)
-            if (k.members == only(Exception(e))) return reinterpret_cast<std::intptr_t>(handler_cells[e].load());
-        return 1;
+        if (std::popcount(k.members) != 1) return 1;  // "all", "common"
+        return reinterpret_cast<std::intptr_t>(handler_cells[std::countr_zero(k.members)].load());
     }
     const std::uint32_t bits = control_bits(k);
     const bool mask = action == clear;
     runtime::controlfp(mask ? bits : 0, bits);
-    change_mxcsr(mxcsr_masks(bits), mask);
     for (int e = 0; e < kExceptionCount; ++e)
         if (k.members & only(Exception(e))) handler_cells[e].store(mask ? nullptr : handler);
     if (!mask) {
