@@ -62,16 +62,15 @@ TEST_F(IeeeFlags, DirectionAndPrecisionReadBackWithTheirOwnNumbers) {
         {"PRECISION", "extended", 3},
     };
     for (const auto& [mode, in, number] : cases) {
-        EXPECT_EQ(flags("SET", mode, in), 0) << in;
         std::string out;
+        EXPECT_EQ(flags("SET", mode, in), 0) << in;
         EXPECT_EQ(flags("Get", mode, "", &out), number) << in;
         EXPECT_STRCASEEQ(out.c_str(), in);
     }
     flags("set", "direction", "tozero");
     flags("set", "precision", "single");
     EXPECT_EQ(runtime::controlfp(0, 0), kExceptions | kRoundChop | kPrecision24);
-    EXPECT_EQ(flags("clear", "direction", "anything"), 0);
-    EXPECT_EQ(flags("clear", "precision", ""), 0);
+    EXPECT_EQ(flags("clear", "direction", "x") + flags("clear", "precision", ""), 0);
     EXPECT_EQ(runtime::controlfp(0, 0), kExceptions);
 }
 
