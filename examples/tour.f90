@@ -18,6 +18,7 @@ program tour
   call show_posix_system()
   call show_signals_and_numbers()
   call show_sort_sleep_and_packed_time()
+  call show_floating_point()
 
 contains
 
@@ -410,5 +411,34 @@ contains
     write (text, '(i4.4,"-",i2.2,"-",i2.2," ",i2.2,":",i2.2)') year, month, day, hour, minute
     call item('unpacktimeqq + 366 days', trim(text))
   end subroutine show_sort_sleep_and_packed_time
+  subroutine show_floating_point()
+    integer(2) :: start, cw, sw
+    real(8), volatile :: one = 1, three = 3, zero = 0, x
+    real(8) :: down, up
+    character(len=20) :: out
+    character(len=40) :: bits
+    call heading('Floating-point control')
+    call getcontrolfpqq(start)
+    write (out, '("0x",z4.4)') start
+    call item('control word at start', out)
+    call setcontrolfpqq(ior(iand(start, not(FPCW_MCW_RC)), FPCW_DOWN))
+    down = one / three
+    call setcontrolfpqq(ior(iand(start, not(FPCW_MCW_RC)), FPCW_UP))
+    up = one / three
+    write (bits, '(z16.16,1x,z16.16)') transfer(down, 0_8), transfer(up, 0_8)
+    call item('1/3 rounded down, up', bits)
+    call item('ieee_flags get direction', trim(str(ieee_flags('get', 'direction', '', out)))// ' ' // out)
+    call setcontrolfpqq(start)
+    call clearstatusfpqq()
+    x = one / zero
+    call getstatusfpqq(sw)
+    call item('status after 1/0', merge('zero divide flag raised', 'no flag                ', &
+                                        iand(sw, FPSW_ZERODIVIDE) /= 0))
+    call item('ieee_flags get exception', trim(str(ieee_flags('get', 'exception', '', out))) // ' ' // out)
+    call clearstatusfpqq()
+    call getcontrolfpqq(cw)
+    write (out, '("0x",z4.4)') cw
+    call item('control word restored', out)
+  end subroutine show_floating_point
 
 end program tour

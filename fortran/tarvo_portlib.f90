@@ -432,6 +432,7 @@ module tarvo_portlib
   include 'portlib_signal.inc'
   include 'portlib_random.inc'
   include 'portlib_bits.inc'
+  include 'portlib_ieee.inc'
 
 contains
 

@@ -171,6 +171,7 @@ module tarvo_qq
   include 'qq_process.inc'
   include 'qq_signal.inc'
   include 'qq_timepack.inc'
+  include 'qq_fpcontrol.inc'
 
 contains
 

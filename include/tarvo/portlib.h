@@ -2,6 +2,7 @@
 #ifndef TARVO_PORTLIB_H
 #define TARVO_PORTLIB_H
 
+#include <signal.h>
 #include <tarvo/records.h>
 
 #ifdef __cplusplus
@@ -172,6 +173,20 @@ double dbesy0_(const double *x) TARVO_NOEXCEPT;
 double dbesy1_(const double *x) TARVO_NOEXCEPT;
 double dbesyn_(const int32_t *n, const double *x) TARVO_NOEXCEPT;
 int32_t rindex_(const char *string, const char *substr, tarvo_len_t string_len, tarvo_len_t substr_len) TARVO_NOEXCEPT;
+
+/* IEEE flags and trap handlers */
+/* INTEGER(4) FUNCTION IEEE_FLAGS(ACTION, MODE, IN, OUT) */
+int32_t ieee_flags_(const char *action, const char *mode, const char *in, char *out, tarvo_len_t action_len,
+                    tarvo_len_t mode_len, tarvo_len_t in_len, tarvo_len_t out_len) TARVO_NOEXCEPT;
+/* INTEGER(INT_PTR_KIND()) FUNCTION IEEE_HANDLER(ACTION, EXCEPTION, HANDLER); HANDLER is
+   SUBROUTINE HANDLER(SIGNUM, CODE), both INTEGER(4) */
+intptr_t ieee_handler_(const char *action, const char *exception, void (*handler)(int32_t *, const int32_t *),
+                       tarvo_len_t action_len, tarvo_len_t exception_len) TARVO_NOEXCEPT;
+/* The SIGFPE handler IEEE_HANDLER installs; never returns. */
+void general_handler(int signum, siginfo_t *info, void *context) TARVO_NOEXCEPT;
+/* SUBROUTINE IEEE_SET_MXCSR(FLAGS), IEEE_CLEAR_MXCSR(FLAGS), FLAGS INTEGER(4) by value */
+void ieee_set_mxcsr(int32_t flags) TARVO_NOEXCEPT;
+void ieee_clear_mxcsr(int32_t flags) TARVO_NOEXCEPT;
 
 #ifdef __cplusplus
 }

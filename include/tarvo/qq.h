@@ -133,6 +133,28 @@ void packtimeqq_(int32_t *timedate, const int16_t *iyr, const int16_t *imon, con
 void unpacktimeqq_(const int32_t *timedate, int16_t *iyr, int16_t *imon, int16_t *iday, int16_t *ihr,
                    int16_t *imin, int16_t *isec) TARVO_NOEXCEPT;
 
+/* Floating-point control: the control and status words have the x87 layout. */
+/* SUBROUTINE GETCONTROLFPQQ(CONTROL), SCWRQQ(CONTROL), INTEGER(2) CONTROL */
+void getcontrolfpqq_(int16_t *control) TARVO_NOEXCEPT;
+void scwrqq_(int16_t *control) TARVO_NOEXCEPT;
+/* SUBROUTINE SETCONTROLFPQQ(CONTROL), LCWRQQ(CONTROL) */
+void setcontrolfpqq_(const int16_t *control) TARVO_NOEXCEPT;
+void lcwrqq_(const int16_t *control) TARVO_NOEXCEPT;
+/* SUBROUTINE GETSTATUSFPQQ(STATUS), SSWRQQ(STATUS), INTEGER(2) STATUS */
+void getstatusfpqq_(int16_t *status) TARVO_NOEXCEPT;
+void sswrqq_(int16_t *status) TARVO_NOEXCEPT;
+/* SUBROUTINE CLEARSTATUSFPQQ() */
+void clearstatusfpqq_(void) TARVO_NOEXCEPT;
+#if defined(__i386__)
+/* i386 only, C calling convention: the x87 unit in the abstract word's layout. */
+unsigned int _control87(unsigned int new_word, unsigned int mask) TARVO_NOEXCEPT;
+unsigned int _status87(void) TARVO_NOEXCEPT;
+unsigned int _clear87(void) TARVO_NOEXCEPT;
+/* The whole x87 state into or from a 108-byte buffer; saving reinitialises the unit. */
+void save_fp_state(void *buf) TARVO_NOEXCEPT;
+void restore_fp_state(const void *buf) TARVO_NOEXCEPT;
+#endif
+
 #ifdef __cplusplus
 }
 #endif
