@@ -13,6 +13,21 @@ if(TARVO_ARCH STREQUAL "i386")
   set(TARVO_ARCH_FLAGS -m32 -D_FILE_OFFSET_BITS=64)
   add_compile_definitions(_FILE_OFFSET_BITS=64)
   set_property(GLOBAL PROPERTY FIND_LIBRARY_USE_LIB64_PATHS OFF)
+  # A kernel without 32-bit support cannot start the test programs: they then run under
+  # the user-mode emulator, and the few tests that need the real processor (x87 traps,
+  # exec of the machine's own 64-bit programs) carry the label "native32" and are left out.
+  try_run(_runs _builds SOURCE_FROM_CONTENT probe.c "int main(void) { return 0; }")
+  if(NOT _runs STREQUAL "0")
+    find_program(TARVO_I386_EMULATOR qemu-i386)
+    if(TARVO_I386_EMULATOR)
+      set(CMAKE_CROSSCOMPILING_EMULATOR ${TARVO_I386_EMULATOR})
+      set(TARVO_EMULATED ON)
+      message(STATUS "32-bit programs run under ${TARVO_I386_EMULATOR}")
+    else()
+      message(WARNING "this kernel cannot run 32-bit programs and qemu-i386 is missing: "
+                      "the i386 tests will not start")
+    endif()
+  endif()
 elseif(NOT TARVO_ARCH STREQUAL "x86_64")
   message(FATAL_ERROR "TARVO_ARCH must be x86_64 or i386, not '${TARVO_ARCH}'")
 endif()
