@@ -16,12 +16,13 @@ if(TARVO_ARCH STREQUAL "i386")
   # A kernel without 32-bit support cannot start the test programs: they then run under
   # the user-mode emulator, and the few tests that need the real processor (x87 traps,
   # exec of the machine's own 64-bit programs) carry the label "native32" and are left out.
+  set(TARVO_EMULATED OFF CACHE INTERNAL "32-bit tests run under the emulator")
   try_run(_runs _builds SOURCE_FROM_CONTENT probe.c "int main(void) { return 0; }")
   if(NOT _runs STREQUAL "0")
     find_program(TARVO_I386_EMULATOR qemu-i386)
     if(TARVO_I386_EMULATOR)
       set(CMAKE_CROSSCOMPILING_EMULATOR ${TARVO_I386_EMULATOR})
-      set(TARVO_EMULATED ON)
+      set(TARVO_EMULATED ON CACHE INTERNAL "32-bit tests run under the emulator")
       message(STATUS "32-bit programs run under ${TARVO_I386_EMULATOR}")
     else()
       message(WARNING "this kernel cannot run 32-bit programs and qemu-i386 is missing: "
