@@ -1,5 +1,5 @@
 // How the classic routines report a failure. Most return the error number, keep it for IERRNO
-// and hand it to the run-time's recorder; a few routines are described as doing less, and
+// and hand it to the run-time's recorder; a few routines do less by design, and
 // name the policy they use at the call, so the differences stay visible.
 #pragma once
 

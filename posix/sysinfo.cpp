@@ -14,6 +14,7 @@
 #include "base/export.h"
 #include "posix/instances.h"
 #include "posix/pxf.h"
+#include "runtime/zone.h"
 #include <tarvo/posix.h>
 
 namespace posix {
@@ -81,7 +82,7 @@ extern "C" TARVO_API void pxftime_(std::int32_t* itime, std::int32_t* ierror) no
 extern "C" TARVO_API void pxflocaltime_(const std::int32_t* isecnds, std::int32_t* iatime,
                                         std::int32_t* ierror) noexcept {
     const time_t seconds = *isecnds;
-    ::tzset();  // the zone as TZ names it now, as the non-reentrant call would read it
+    runtime::keep_zone_current();  // the zone as TZ names it now
     struct tm local;
     if (::localtime_r(&seconds, &local) == nullptr) return report(ierror, errno);
     const std::int32_t fields[9] = {local.tm_sec,  local.tm_min,         local.tm_hour,

@@ -124,7 +124,7 @@ extern "C" TARVO_API std::int32_t getdrivedirqq_(char* drivedir, std::size_t dri
         base::release(buffer);
         return 0;
     }
-    // The buffer is never released, a described property of the routine.
+    // The buffer is kept for the life of the process on purpose: callers may hold on to it.
     base::keep(buffer);
     return static_cast<std::int32_t>(base::CstrToFstr(drivedir, buffer, length, length));
 }

@@ -221,7 +221,7 @@ extern "C" TARVO_API int search_path(char* out, const char* name, const char* di
     while (const dirent* entry = readdir(stream)) {
         if (std::strcmp(entry->d_name, name) != 0) continue;
         join_path(out, dir, name);
-        base::keep(stream);  // the stream stays open after a match, as described
+        base::keep(stream);  // the stream of a match stays open on purpose
         return 1;
     }
     closedir(stream);
@@ -244,7 +244,7 @@ extern "C" TARVO_API std::int32_t findfileqq_(const char* filename, const char* 
         if (!variable) return 0;
         if (const char* value = std::getenv(variable.get())) {
             char* list = base::allocCstr(value, static_cast<base::flen>(std::strlen(value)));
-            if (list == nullptr) {  // the described routine keeps both copies on this path
+            if (list == nullptr) {  // both copies are kept on this path, on purpose
                 base::keep(file.hand_over());
                 base::keep(variable.hand_over());
                 return 0;

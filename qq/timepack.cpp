@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "base/export.h"
+#include "runtime/zone.h"
 #include <tarvo/qq.h>
 
 // SUBROUTINE PACKTIMEQQ(TIMEDATE, IYR, IMON, IDAY, IHR, IMIN, ISEC) -- parts INTEGER(2), in
@@ -27,7 +28,7 @@ extern "C" TARVO_API void unpacktimeqq_(const std::int32_t* timedate, std::int16
                                         std::int16_t* isec) noexcept {
     const std::time_t when = *timedate;
     std::tm parts;
-    tzset();  // a zone set since the last call counts, as it does for localtime
+    runtime::keep_zone_current();  // a zone set since the last call counts
     if (localtime_r(&when, &parts) == nullptr) {
         *iyr = *imon = *iday = *ihr = *imin = *isec = -1;
         return;

@@ -42,7 +42,7 @@ TEST_F(UnitIo, CharactersAndPositionsOnAConnectedUnit) {
     EXPECT_EQ(read_file("data"), "abcd");
 }
 
-TEST_F(UnitIo, UnitsThatAreNotOpenGiveTheDescribedErrors) {
+TEST_F(UnitIo, UnitsThatAreNotOpenGiveTheirErrors) {
     const std::int32_t u = 31, zero = 0;
     char ch = 'q';
     for (const std::int32_t* unit : {&u, static_cast<const std::int32_t*>(nullptr)}) {
