@@ -13,6 +13,7 @@
 #include "base/lock.h"
 #include "base/memory.h"
 #include "base/fstring.h"
+#include "runtime/cmdline.h"
 #include "runtime/process.h"
 #include "runtime/units.h"
 #include <tarvo/portlib.h>
@@ -180,3 +181,14 @@ extern "C" TARVO_API void abort_(const char* message, std::size_t message_len) n
 
 // SUBROUTINE EXIT([STATUS]) -- flushes the Fortran units and ends the program
 extern "C" TARVO_API void exit_(const std::int32_t* status) noexcept { runtime::for_exit(status); }
+
+// SUBROUTINE GETARG(N, ARG) -- word N of the command line (0: the command), blanks when
+// there is none. Also defined here so that a program linked with another compiler's
+// run-time, which has the same names, calls this library for all of them.
+extern "C" TARVO_API void getarg_(const std::int32_t* n, char* arg, std::size_t arg_len) noexcept {
+    std::int32_t length = 0;
+    runtime::for_getarg(n, arg, &length, arg_len);
+}
+
+// INTEGER FUNCTION IARGC() -- the number of arguments after the command's name
+extern "C" TARVO_API std::int32_t iargc_() noexcept { return runtime::for_nargs() - 1; }

@@ -188,6 +188,10 @@ void general_handler(int signum, siginfo_t *info, void *context) TARVO_NOEXCEPT;
 void ieee_set_mxcsr(int32_t flags) TARVO_NOEXCEPT;
 void ieee_clear_mxcsr(int32_t flags) TARVO_NOEXCEPT;
 
+/* Command line (extensions): SUBROUTINE GETARG(N, ARG) and INTEGER FUNCTION IARGC(). */
+void getarg_(const int32_t *n, char *arg, tarvo_len_t arg_len) TARVO_NOEXCEPT;
+int32_t iargc_(void) TARVO_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

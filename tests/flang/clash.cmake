@@ -1,0 +1,23 @@
+# Builds tests/flang/clash.f90 with flang and fails when the program itself defines a name
+# the library exports (such a definition, from flang's run-time, would replace the library's).
+cmake_minimum_required(VERSION 3.25)
+file(MAKE_DIRECTORY ${WORK})
+execute_process(COMMAND ${FLANG} -I${MODDIR} ${SOURCE} -o ${WORK}/clash -L${LIBDIR} -ltarvoport_flang -ltarvoport
+                        -Wl,-rpath,${LIBDIR} RESULT_VARIABLE rc ERROR_VARIABLE err)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "flang could not build ${SOURCE}:\n${err}")
+endif()
+execute_process(COMMAND ${WORK}/clash RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "the program failed (${rc})")
+endif()
+execute_process(COMMAND ${NM} --defined-only ${WORK}/clash OUTPUT_VARIABLE defined)
+string(REPLACE "|" ";" lists "${EXPORT_LISTS}")
+foreach(list IN LISTS lists)
+  file(STRINGS ${list} names REGEX "^[A-Za-z_$]")
+  foreach(name IN LISTS names)
+    if(defined MATCHES " [TtWw] ${name}\n")
+      message(FATAL_ERROR "the flang program defines ${name} itself: the library's is not called")
+    endif()
+  endforeach()
+endforeach()
