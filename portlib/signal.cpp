@@ -11,6 +11,7 @@
 #include <sys/times.h>
 
 #include "base/export.h"
+#include "base/handler.h"
 #include "portlib/report.h"
 #include <tarvo/frame.h>
 #include <tarvo/portlib.h>
@@ -29,12 +30,7 @@ std::atomic<SignalProc> sigForHandlers[NSIG];
 // The handler SIGNAL installs: passes the Fortran subroutine a reference to the number.
 void portlib_handler(int signum) {
     if (signum <= 0 || signum >= NSIG) return;
-    const SignalProc proc = sigForHandlers[signum].load(std::memory_order_acquire);
-    if (proc == nullptr) return;
-    const int saved_errno = errno;
-    std::int32_t number = signum;
-    proc(&number);
-    errno = saved_errno;
+    base::call_with_number(sigForHandlers[signum], signum);
 }
 
 // Installs the disposition with BSD semantics (the handler stays, interrupted calls

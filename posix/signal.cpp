@@ -20,6 +20,7 @@
 #include <cstring>
 
 #include "base/export.h"
+#include "base/handler.h"
 #include "frame/handles.h"
 #include "posix/instances.h"
 #include "posix/pxf.h"
@@ -51,12 +52,7 @@ constexpr bool dispatched(int signal_number) noexcept { return signal_number >= 
 // atomic entry and calls the procedure, and keeps the interrupted code's errno.
 void posixlib_signal_handler(int signal_number) {
     if (!dispatched(signal_number)) return;
-    const FortranHandler procedure = fortran_signal_handlers[signal_number].load(std::memory_order_acquire);
-    if (procedure == nullptr) return;
-    const int saved_errno = errno;
-    std::int32_t number = signal_number;
-    procedure(&number);
-    errno = saved_errno;
+    base::call_with_number(fortran_signal_handlers[signal_number], signal_number);
 }
 
 // Stands in for a handler other code installed: called the Fortran way, it passes the

@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include "base/export.h"
+#include "base/handler.h"
 #include "base/fstring.h"
 #include "base/memory.h"
 #include "qq/qq.h"
@@ -70,12 +71,11 @@ void portlib_signalQQhandler(int sig, siginfo_t* info, void*) noexcept {
     if (i == kHandled) return;
     const QQHandler handler = sigQQForHandlers[i].load(std::memory_order_acquire);
     if (handler == nullptr) return;
-    const int saved_errno = errno;
+    const base::ErrnoKept kept;
     if (sig == SIGFPE && info != nullptr)
         handler(TARVO_QQ_SIGFPE, fpe_subcode(info->si_code));
     else
         handler(sigXlatTable[i].qq, reinterpret_cast<std::intptr_t>(info));
-    errno = saved_errno;
 }
 
 constexpr const char* ErrMesArr[] = {
