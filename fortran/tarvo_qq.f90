@@ -45,7 +45,7 @@ module tarvo_qq
     character(len=255) :: name
   end type FILE$INFOI8
 
-  ! The other width of a search handle (programs declare INTEGER(4) and INTEGER(8) ones).
+  ! The other width of a search handle or a sort count (programs declare both widths).
   integer, parameter, private :: OTHER_HANDLE_KIND = merge(4, 8, FILE_HANDLE_KIND == 8)
 
   interface
@@ -259,4 +259,21 @@ contains
     infoi8_natural_h8 = next_natural_i8(files, buffer, h)
     handle = h
   end function infoi8_natural_h8
+
+  subroutine sortqq_other_count(adrarray, count, size)
+    integer(c_intptr_t), intent(in) :: adrarray
+    integer(OTHER_HANDLE_KIND), intent(inout) :: count
+    integer(4), intent(in) :: size
+    integer(c_intptr_t) :: full
+    full = count
+    call sortqq(adrarray, full, size)
+    count = int(full, OTHER_HANDLE_KIND)
+  end subroutine sortqq_other_count
+
+  integer(c_intptr_t) function bsearchqq_other_length(adrkey, adrarray, length, size)
+    integer(c_intptr_t), intent(in) :: adrkey, adrarray
+    integer(OTHER_HANDLE_KIND), intent(in) :: length
+    integer(4), intent(in) :: size
+    bsearchqq_other_length = bsearchqq(adrkey, adrarray, int(length, c_intptr_t), size)
+  end function bsearchqq_other_length
 end module tarvo_qq

@@ -13,6 +13,7 @@ program dropin_legacy
   integer(2) :: argn, status
   character(len=64) :: word, text
   character(len=24) :: when
+  integer(4) :: values(5) = [4, -1, 3, 0, 2], count4
 
   open (newunit=u, file='dropin_legacy.dat', status='replace', access='stream')
   write (u) 'twelve bytes'
@@ -57,6 +58,12 @@ program dropin_legacy
   call check_int('chdir to nowhere', chdir('no/such/dir'), ERR$NOENT)
   call gerror(text)
   call check_true('gerror reads the last classic error', index(text, 'No such file') > 0)
+
+  count4 = 5
+  call sortqq(loc(values), count4, SRT$INTEGER4)
+  call check_true('sortqq with a default-integer count', all(values == [-1, 0, 2, 3, 4]))
+  call check_true('bsearchqq with a default-integer length', &
+                  bsearchqq(loc(values(4)), loc(values), 5, SRT$INTEGER4) == 4)
 
   call check_int('unlink', unlink('dropin_legacy.dat'), 0)
   call checks_done('dropin_legacy')
