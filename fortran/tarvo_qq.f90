@@ -13,6 +13,9 @@ module tarvo_qq
   ! QQ routines record them; each also under its dollar-sign name (FILE$FIRST, ERR$NOENT).
   include 'tarvo_qq_generated.inc'
 
+  ! The drive routines' name of the current drive: a blank (the system has no drive letters).
+  character(len=1), parameter :: FILE_CURDRIVE = ' ', FILE$CURDRIVE = FILE_CURDRIVE
+
   ! The records GETFILEINFOQQ fills (275 bytes, packed).
   type FILE_INFO
     sequence

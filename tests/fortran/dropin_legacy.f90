@@ -13,6 +13,7 @@ program dropin_legacy
   integer(2) :: argn, status
   character(len=64) :: word, text
   character(len=24) :: when
+  character(len=300) :: drivedir
   integer(4) :: values(5) = [4, -1, 3, 0, 2], count4
 
   open (newunit=u, file='dropin_legacy.dat', status='replace', access='stream')
@@ -64,6 +65,9 @@ program dropin_legacy
   call check_true('sortqq with a default-integer count', all(values == [-1, 0, 2, 3, 4]))
   call check_true('bsearchqq with a default-integer length', &
                   bsearchqq(loc(values(4)), loc(values), 5, SRT$INTEGER4) == 4)
+
+  drivedir = FILE$CURDRIVE
+  call check_true('getdrivedirqq of the current drive', getdrivedirqq(drivedir) > 0 .and. drivedir(1:1) == '/')
 
   call check_int('unlink', unlink('dropin_legacy.dat'), 0)
   call checks_done('dropin_legacy')
