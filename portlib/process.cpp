@@ -119,7 +119,12 @@ extern "C" TARVO_API void scanenv_(const char* pattern, char* name, char* value,
 
 // SUBROUTINE GETLOG(NAME) -- login name of the real user; blanks if unknown
 extern "C" TARVO_API void getlog_(char* name, std::size_t name_len) noexcept {
-    const passwd* entry = getpwuid(getuid());
+    // The reentrant lookup: threads may ask at once. An entry too large for the buffer
+    // (never seen for a login name) gives blanks, as an unknown user does.
+    char buffer[16384];
+    passwd record{};
+    passwd* entry = nullptr;
+    getpwuid_r(getuid(), &record, buffer, sizeof buffer, &entry);
     copy_cut(name, name_len, entry != nullptr ? entry->pw_name : nullptr);
 }
 

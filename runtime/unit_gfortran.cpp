@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "runtime/gfortran.h"
@@ -102,7 +103,8 @@ int attach(int fd, std::int32_t unit, UnitAccess access) {
     if (iostat != 0) return EINVAL;
     const int unit_fd = descriptor(unit);
     if (unit_fd < 0) return EBADF;
-    if (unit_fd != fd && dup2(fd, unit_fd) < 0) return errno;
+    // dup3 keeps the unit's descriptor close-on-exec, as the program's own OPEN units are.
+    if (unit_fd != fd && dup3(fd, unit_fd, O_CLOEXEC) < 0) return errno;
     const off_t at = lseek(fd, 0, SEEK_CUR);
     if (!access.append && at > 0 && seek(unit, at, SEEK_SET) != 0) return ESPIPE;
     return 0;

@@ -4,7 +4,7 @@ program pxf_files
   use tarvo_posix
   use tarvo_check
   implicit none
-  integer(4) :: ierror, fd, jstat = 0
+  integer(4) :: ierror, fd, fd31, flags, jstat = 0
   integer(8) :: size
   character(len=40) :: line
   character(len=1) :: ch
@@ -38,6 +38,10 @@ program pxf_files
   call pxffdopen(fd, 31, 'r+', ierror)
   read (31, '(a)') line
   call check_str('READ on the attached unit', line, 'line one')
+  ! Like the program's own OPEN units, the unit's descriptor does not cross exec.
+  call pxffileno(31, fd31, ierror)
+  call pxffcntl(fd31, ipxfconst('F_GETFD'), 0, flags, ierror)
+  call check_int('the attached unit closes on exec', iand(flags, 1), 1)  ! FD_CLOEXEC
   close (31)
   call pxfclose(fd, ierror)
 
