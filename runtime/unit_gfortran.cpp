@@ -15,8 +15,14 @@ namespace {
 
 const GfortranRuntime* rt;  // set once, before these operations are handed out
 
+// gfortran issues NEWUNIT= numbers from -10 downwards and refuses OPEN on any other negative
+// number, so -1 to -9 are never connected. It keeps stream-less units for internal files
+// under -1 and -2, and its descriptor lookup faults on those, so this range is answered
+// here without asking it.
+constexpr std::int64_t kFirstNewUnit = -10;
+
 int descriptor(std::int64_t unit) {
-    if (!fits_unit_number(unit)) return -1;
+    if (!fits_unit_number(unit) || (unit < 0 && unit > kFirstNewUnit)) return -1;
     auto u = static_cast<std::int32_t>(unit);
     return rt->fnum_i4(&u);
 }
