@@ -66,7 +66,10 @@ int seek(std::int64_t unit, std::int64_t offset, int origin) {
     std::int32_t status = 0;
     errno = 0;
     rt->fseek_sub(&u, &offset, &whence, &status);
-    return status == 0 ? 0 : negated_errno_or(EINVAL);
+    // A seek that fails sets errno. The 32-bit run-time also reports a seek it has done as
+    // failed when the new offset does not fit 32 bits (its result is truncated), and then
+    // leaves errno alone: that is a success. The unit and the origin were checked before.
+    return status == 0 || errno == 0 ? 0 : -errno;
 }
 
 std::int64_t position(std::int64_t unit) {

@@ -1,4 +1,4 @@
-! Negative unit numbers in a gfortran program: the ones no OPEN can connect answer exactly as
+! Negative unit numbers on gfortran units only: the ones no OPEN can connect answer exactly as
 ! an unconnected positive unit does, and units opened with NEWUNIT= work like any other.
 program negative_units
   use tarvo_portlib
