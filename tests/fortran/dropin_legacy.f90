@@ -11,7 +11,7 @@ program dropin_legacy
   integer(4) :: handle4, statb(12), n, u
   integer(8) :: handle8, big(12)
   integer(2) :: argn, status
-  character(len=64) :: word, text
+  character(len=256) :: word, text
   character(len=24) :: when
   character(len=300) :: drivedir
   integer(4) :: values(5) = [4, -1, 3, 0, 2], count4
