@@ -108,6 +108,12 @@ TEST_F(AllocationFailure, EveryFailureEndsInTheDocumentedErrorWithNothingLeaked)
              pxfgetpwnam_("root", &length, &user, &ierror, 4);
              return ierror == -99 ? kDone : ierror;
          }},
+        {"PXFSTRSET (field text)", {ENOMEM}, [&] {
+             const std::int32_t length = 0;
+             std::int32_t ierror = -1;
+             pxfstrset_(&user, "pw_name", "someone", &length, &ierror, 7, 7);
+             return ierror;
+         }},
         {"PXFSETENV", {ENOMEM}, [] {
              const std::int32_t name_len = 0, value_len = 0, overwrite = 1;
              std::int32_t ierror = -1;
@@ -122,6 +128,23 @@ TEST_F(AllocationFailure, EveryFailureEndsInTheDocumentedErrorWithNothingLeaked)
              sortqq_(&address, &count, &size);
              if (count == 0) return recorded();
              return std::string(words[0], 15) == "applefigs pears" ? kDone : -1;
+         }},
+        // The radix sort's buffers are optional: without them the Shell sort runs, so every
+        // attempt succeeds, with the same order.
+        {"SORTQQ (INTEGER(4) radix buffers)", {-1}, [] {
+             std::vector<std::int32_t> keys(1000);
+             for (std::size_t i = 0; i < keys.size(); ++i) keys[i] = static_cast<std::int32_t>((i * 7919) % 1000) - 500;
+             std::intptr_t address = reinterpret_cast<std::intptr_t>(keys.data()), count = 1000;
+             const std::int32_t code = TARVO_SRT_INTEGER4;
+             for (std::size_t n = 0; n <= 3; ++n) {  // refused from the n-th allocation on
+                 base::testing::fail_allocations_after(static_cast<long>(n));
+                 std::vector<std::int32_t> copy = keys;
+                 address = reinterpret_cast<std::intptr_t>(copy.data());
+                 sortqq_(&address, &count, &code);
+                 base::testing::allow_allocations();
+                 if (count != 1000 || !std::is_sorted(copy.begin(), copy.end())) return -1;
+             }
+             return kDone;
          }},
         {"GETFILEINFOQQ (wildcard search)", {ENOMEM}, [] {
              tarvo_file_info info{};
