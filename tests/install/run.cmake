@@ -41,6 +41,7 @@ if(NOT EXISTS ${prefix}/${LIBDIR}/libtarvoport.a OR NOT EXISTS ${prefix}/${LIBDI
 endif()
 
 # CMake projects, one per Fortran compiler and link mode.
+get_filename_component(Fortran_name ${Fortran_COMPILER} NAME)
 set(compilers ${Fortran_COMPILER})
 if(FLANG)
   list(APPEND compilers ${FLANG})
@@ -106,6 +107,31 @@ if(NOT pc_version STREQUAL cmake_version OR NOT so_files STREQUAL "libtarvoport.
    OR NOT cmake_version STREQUAL VERSION)
   message(FATAL_ERROR "versions differ: project ${VERSION}, .pc ${pc_version}, "
                       "CMake package ${cmake_version}, library ${so_files}")
+endif()
+
+# ... and with the version routines (V<major, two digits>.<minor>-<patch, three digits>)
+# and the newest entry of the change log.
+string(REGEX MATCHALL "[0-9]+" parts "${VERSION}")
+list(GET parts 0 major)
+list(GET parts 1 minor)
+list(GET parts 2 patch)
+math(EXPR major "${major}" OUTPUT_FORMAT DECIMAL)
+string(LENGTH "${major}" n)
+if(n LESS 2)
+  set(major "0${major}")
+endif()
+string(LENGTH "${patch}" n)
+while(n LESS 3)
+  set(patch "0${patch}")
+  math(EXPR n "${n} + 1")
+endwhile()
+run(${EMULATOR} ${WORK}/cmake-${Fortran_name}-OFF/consumer_c)
+if(NOT run_output MATCHES "V${major}\\.${minor}-${patch}")
+  message(FATAL_ERROR "the version routine does not give V${major}.${minor}-${patch}:\n${run_output}")
+endif()
+file(STRINGS ${SOURCE}/CHANGELOG.md newest REGEX "^## [0-9]" LIMIT_COUNT 1)
+if(NOT newest MATCHES "^## ${VERSION} ")
+  message(FATAL_ERROR "CHANGELOG.md's newest entry is '${newest}', the project ${VERSION}")
 endif()
 
 # A project of the other pointer size must not take this package: the x86-64 package turns
