@@ -4,7 +4,7 @@
 #include <tarvo/tarvo.h>
 
 int main(void) {
-    char text[40];
+    char text[64];
     if (for_lodrik_version_(text, sizeof text) != 3) return 1;
     if (strncmp(text, "Tarvo Fortran portability library", 33) != 0) return 2;
     if (lnblnk_("ab  ", 4) != 2) return 3;
