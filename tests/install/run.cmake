@@ -14,6 +14,11 @@ function(run)
   set(run_output "${out}" PARENT_SCOPE)
 endfunction()
 separate_arguments(flags NATIVE_COMMAND "${FLAGS}")
+# CMake derives no multiarch name for a -m32 project: it is told where the i386 package is.
+set(ARCH_HINT "")
+if(ARCH STREQUAL "i386")
+  set(ARCH_HINT -DCMAKE_LIBRARY_ARCHITECTURE=i386-linux-gnu)
+endif()
 
 # Runs a built program; the tour must print its title, the C program its version line.
 function(check_program program)
@@ -52,7 +57,7 @@ foreach(compiler IN LISTS compilers)
     set(dir ${WORK}/cmake-${name}-${static})
     run(${CMAKE_COMMAND} -S ${SOURCE}/tests/install -B ${dir} -G Ninja -DTARVO_STATIC=${static}
         -DCMAKE_PREFIX_PATH=${prefix} -DTOUR_SOURCE=${SOURCE}/examples/tour.f90
-        -DCMAKE_Fortran_COMPILER=${compiler}
+        -DCMAKE_Fortran_COMPILER=${compiler} ${ARCH_HINT}
         "-DCMAKE_C_FLAGS=${FLAGS}" "-DCMAKE_Fortran_FLAGS=${FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${FLAGS}")
     run(${CMAKE_COMMAND} --build ${dir})
     check_program(${dir}/consumer_c)
