@@ -32,8 +32,6 @@ void store_descriptor_name(int fd, char* name, std::int32_t* name_length) noexce
     *name_length = n > 0 ? static_cast<std::int32_t>(n) : 0;
 }
 
-bool valid_origin(std::int64_t origin) noexcept { return origin >= 0 && origin <= 2; }
-
 // Access texts: the stream modes "r", "w", "a", "r+", "w+", "a+" ("b" ignored) or the
 // action words READ, WRITE, READWRITE, APPEND; case and trailing blanks do not matter.
 // A blank text takes the descriptor's own mode.
@@ -100,8 +98,7 @@ UnitBackend unit_backend() noexcept {
 }
 
 int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_length) noexcept {
-    ops().flush(unit);
-    const int fd = ops().descriptor(unit);
+    const int fd = ops().flush(unit);
     if (fd >= 0 && name != nullptr && name_length != nullptr) store_descriptor_name(fd, name, name_length);
     return fd < 0 ? -1 : fd;
 }
@@ -113,9 +110,7 @@ int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept {
 }
 
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept {
-    if (ops().descriptor(unit) < 0) return -EBADF;
-    if (!valid_origin(origin)) return -EINVAL;
-    return ops().seek(unit, offset, static_cast<int>(origin));
+    return ops().seek(unit, offset, origin);
 }
 
 int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept {
@@ -123,7 +118,6 @@ int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t ori
 }
 
 std::int64_t __quenvatix_d_curpos_i8(std::int64_t unit) noexcept {
-    if (ops().descriptor(unit) < 0) return -EBADF;
     return ops().position(unit);
 }
 
@@ -150,10 +144,7 @@ void flush_all_units() noexcept { ops().flush_all(); }
 namespace {
 // Connected and flushed: the common first step of FLUSHQQ and COMMITQQ.
 int flushed_descriptor(const std::int32_t* unit) noexcept {
-    if (unit == nullptr) return -1;
-    const runtime::UnitOps& units = runtime::ops();
-    if (units.descriptor(*unit) < 0 || units.flush(*unit) == 0) return -1;
-    return units.descriptor(*unit);
+    return unit != nullptr ? runtime::ops().flush(*unit) : -1;
 }
 }  // namespace
 
