@@ -1,6 +1,7 @@
 // The operations each unit back end supplies (see units.h for the results).
 #pragma once
 
+#include <climits>
 #include <cstdint>
 
 namespace runtime {
@@ -28,7 +29,7 @@ const UnitOps* gfortran_unit_ops() noexcept;  // null without a gfortran run-tim
 const UnitOps& native_unit_ops() noexcept;
 
 // Shared by both back ends.
-bool fits_unit_number(std::int64_t unit) noexcept;
+inline bool fits_unit_number(std::int64_t unit) noexcept { return unit >= INT32_MIN && unit <= INT32_MAX; }
 inline bool valid_origin(std::int64_t origin) noexcept { return origin >= 0 && origin <= 2; }
 int negated_errno_or(int fallback) noexcept;  // -errno, or -fallback when errno is 0
 int read_one_byte(int fd) noexcept;            // the byte, kEndOfFile, or -errno

@@ -19,10 +19,96 @@ namespace {
 
 const GfortranRuntime* rt;  // set once, before these operations are handed out
 
+// What is known about connected units: the descriptor, and once asked, whether it can seek
+// (gfortran keeps its own position for units on pipes and terminals and would report a
+// seek there as done; the descriptor tells the truth, as it does in the native back end).
+// An entry lives as long as the connection: every OPEN and CLOSE empties the cache.
+//
+// A slot holds unit << 32 | descriptor << 10 | state << 1 | 1, state being 0 for a
+// descriptor that can seek, the error number lseek gave, or kUnknown; 0 is a free slot.
+// A slot filled while an OPEN or CLOSE ran is emptied again.
+class UnitCache {
+public:
+    static constexpr unsigned kUnknown = 511;
+    static constexpr int kFdLimit = 1 << 22;
+    struct Entry {
+        int fd;
+        unsigned state;
+    };
+
+    bool find(std::int32_t unit, Entry& entry) const noexcept {
+        for (const auto& slot : slots_) {
+            const std::uint64_t v = slot.load(std::memory_order_acquire);
+            if (v != 0 && static_cast<std::uint32_t>(v >> 32) == static_cast<std::uint32_t>(unit)) {
+                entry = {static_cast<int>((v >> 10) & (kFdLimit - 1)), static_cast<unsigned>((v >> 1) & 511)};
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::uint32_t generation() const noexcept { return generation_.load(std::memory_order_acquire); }
+
+    void remember(std::int32_t unit, Entry entry, std::uint32_t seen) noexcept {
+        if (entry.fd < 0 || entry.fd >= kFdLimit || entry.state > kUnknown) return;
+        const std::uint64_t v = (std::uint64_t{static_cast<std::uint32_t>(unit)} << 32) |
+                                (std::uint64_t{static_cast<std::uint32_t>(entry.fd)} << 10) | (entry.state << 1) | 1u;
+        std::atomic<std::uint64_t>* chosen = nullptr;
+        for (auto& slot : slots_) {  // an entry for the same unit is replaced
+            std::uint64_t old = slot.load(std::memory_order_acquire);
+            if (old != 0 && static_cast<std::uint32_t>(old >> 32) == static_cast<std::uint32_t>(unit) &&
+                slot.compare_exchange_strong(old, v, std::memory_order_acq_rel)) {
+                chosen = &slot;
+                break;
+            }
+        }
+        if (chosen == nullptr) {
+            chosen = &slots_[next_.fetch_add(1, std::memory_order_relaxed) % kSlots];
+            chosen->store(v, std::memory_order_release);
+        }
+        std::uint64_t expected = v;
+        if (generation() != seen) chosen->compare_exchange_strong(expected, 0, std::memory_order_acq_rel);
+    }
+
+    void forget_all() noexcept {
+        generation_.fetch_add(1, std::memory_order_acq_rel);
+        for (auto& slot : slots_) slot.store(0, std::memory_order_release);
+    }
+
+private:
+    static constexpr unsigned kSlots = 16;
+    std::atomic<std::uint64_t> slots_[kSlots] = {};
+    std::atomic<std::uint32_t> generation_{0};
+    std::atomic<unsigned> next_{0};
+};
+
+UnitCache unit_cache;
+
+int descriptor(std::int64_t unit);
+
+// Whether OPEN and CLOSE in every Fortran caller reach the wrappers at the end of this file:
+// only then can the cache be trusted. Otherwise every call asks gfortran and lseek.
+bool wrappers_bound() noexcept {
+    static const bool bound = [] {
+        Dl_info ours{}, open{}, close{};
+        const bool ok = dladdr(reinterpret_cast<void*>(&descriptor), &ours) != 0 &&
+                        dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_open"), &open) != 0 &&
+                        dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_close"), &close) != 0;
+        return ok && open.dli_fbase == ours.dli_fbase && close.dli_fbase == ours.dli_fbase;
+    }();
+    return bound;
+}
+
 int descriptor(std::int64_t unit) {
     if (!fits_unit_number(unit)) return -1;
     auto u = static_cast<std::int32_t>(unit);
-    return rt->fnum_i4(&u);
+    const bool cached = wrappers_bound();
+    const std::uint32_t seen = unit_cache.generation();
+    UnitCache::Entry entry{};
+    if (cached && unit_cache.find(u, entry)) return entry.fd;
+    const int fd = rt->fnum_i4(&u);
+    if (cached && fd >= 0) unit_cache.remember(u, {fd, UnitCache::kUnknown}, seen);
+    return fd;
 }
 
 int flush(std::int64_t unit) {
@@ -57,76 +143,20 @@ int write_char(std::int64_t unit, unsigned char ch) {
     return error != 0 ? -error : -EIO;
 }
 
-// gfortran keeps its own position for units on pipes and terminals and would report a seek
-// there as done; the descriptor tells the truth, as it does in the native back end. What
-// the descriptor said is kept per connection (see SeekCache) when that is safe.
-//
-// Slots hold (unit << 32) | (error << 1) | 1, error being 0 for a descriptor that can seek;
-// 0 is a free slot. A slot filled while an OPEN or CLOSE ran is emptied again.
-class SeekCache {
-public:
-    static constexpr std::uint64_t kMiss = 0;
-
-    std::uint64_t find(std::int32_t unit) const noexcept {
-        for (const auto& slot : slots_) {
-            const std::uint64_t v = slot.load(std::memory_order_acquire);
-            if (v != 0 && static_cast<std::uint32_t>(v >> 32) == static_cast<std::uint32_t>(unit)) return v;
-        }
-        return kMiss;
-    }
-    static int error_of(std::uint64_t entry) noexcept { return static_cast<int>((entry & 0xffffffffu) >> 1); }
-
-    std::uint32_t generation() const noexcept { return generation_.load(std::memory_order_acquire); }
-
-    void remember(std::int32_t unit, int error, std::uint32_t seen) noexcept {
-        const std::uint64_t v = (std::uint64_t{static_cast<std::uint32_t>(unit)} << 32) |
-                                (static_cast<std::uint32_t>(error) << 1) | 1u;
-        auto& slot = slots_[next_.fetch_add(1, std::memory_order_relaxed) % kSlots];
-        slot.store(v, std::memory_order_release);
-        std::uint64_t expected = v;
-        if (generation() != seen) slot.compare_exchange_strong(expected, 0, std::memory_order_acq_rel);
-    }
-
-    void forget_all() noexcept {
-        generation_.fetch_add(1, std::memory_order_acq_rel);
-        for (auto& slot : slots_) slot.store(0, std::memory_order_release);
-    }
-
-private:
-    static constexpr unsigned kSlots = 16;
-    std::atomic<std::uint64_t> slots_[kSlots] = {};
-    std::atomic<std::uint32_t> generation_{0};
-    std::atomic<unsigned> next_{0};
-};
-
-SeekCache seek_cache;
-
-// Whether OPEN and CLOSE in every Fortran caller reach the wrappers below: only then can a
-// cached answer be trusted to outlive no connection. Otherwise every call asks lseek.
-bool wrappers_bound() noexcept {
-    static const bool bound = [] {
-        Dl_info ours{}, open{}, close{};
-        const bool ok = dladdr(reinterpret_cast<void*>(&descriptor), &ours) != 0 &&
-                        dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_open"), &open) != 0 &&
-                        dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_close"), &close) != 0;
-        return ok && open.dli_fbase == ours.dli_fbase && close.dli_fbase == ours.dli_fbase;
-    }();
-    return bound;
-}
-
 // 0 for a connected unit that can seek, else the negated error number (-EBADF when the
 // unit is not connected).
 int seek_state(std::int64_t unit) {
     if (!fits_unit_number(unit)) return -EBADF;
     const auto u = static_cast<std::int32_t>(unit);
     const bool cached = wrappers_bound();
-    if (cached)
-        if (const std::uint64_t entry = seek_cache.find(u)) return -SeekCache::error_of(entry);
-    const std::uint32_t seen = seek_cache.generation();
-    const int fd = descriptor(unit);
+    const std::uint32_t seen = unit_cache.generation();  // before the entry is read
+    UnitCache::Entry entry{-1, UnitCache::kUnknown};
+    if (cached && unit_cache.find(u, entry) && entry.state != UnitCache::kUnknown)
+        return -static_cast<int>(entry.state);
+    const int fd = entry.fd >= 0 ? entry.fd : descriptor(unit);
     if (fd < 0) return -EBADF;
     const int error = lseek(fd, 0, SEEK_CUR) < 0 ? errno : 0;
-    if (cached) seek_cache.remember(u, error, seen);
+    if (cached) unit_cache.remember(u, {fd, static_cast<unsigned>(error)}, seen);
     return -error;
 }
 
@@ -179,15 +209,15 @@ int attach(int fd, std::int32_t unit, UnitAccess access) {
         open.position = "append";
         open.position_len = 6;
     }
-    seek_cache.forget_all();
+    unit_cache.forget_all();
     rt->st_open(&open);
-    seek_cache.forget_all();
+    unit_cache.forget_all();
     if (iostat != 0) return EINVAL;
     const int unit_fd = descriptor(unit);
     if (unit_fd < 0) return EBADF;
     // dup3 keeps the unit's descriptor close-on-exec, as the program's own OPEN units are.
     if (unit_fd != fd && dup3(fd, unit_fd, O_CLOEXEC) < 0) return errno;
-    seek_cache.forget_all();  // the unit's descriptor is now another file
+    unit_cache.forget_all();  // the unit's descriptor is now another file
     const off_t at = lseek(fd, 0, SEEK_CUR);
     if (!access.append && at > 0 && seek(unit, at, SEEK_SET) != 0) return ESPIPE;
     return 0;
@@ -223,14 +253,14 @@ F next_definition(const char* name) noexcept {
 
 extern "C" TARVO_API void _gfortran_st_open(runtime::GfortranOpenBlock* block) noexcept {
     static const auto real = runtime::next_definition<void (*)(runtime::GfortranOpenBlock*)>("_gfortran_st_open");
-    runtime::seek_cache.forget_all();
+    runtime::unit_cache.forget_all();
     real(block);
-    runtime::seek_cache.forget_all();
+    runtime::unit_cache.forget_all();
 }
 
 extern "C" TARVO_API void _gfortran_st_close(void* block) noexcept {
     static const auto real = runtime::next_definition<void (*)(void*)>("_gfortran_st_close");
-    runtime::seek_cache.forget_all();
+    runtime::unit_cache.forget_all();
     real(block);
-    runtime::seek_cache.forget_all();
+    runtime::unit_cache.forget_all();
 }

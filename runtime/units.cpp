@@ -72,8 +72,6 @@ std::atomic<std::int32_t> posix_io_flag{0};
 
 }  // namespace
 
-bool fits_unit_number(std::int64_t unit) noexcept { return unit >= INT32_MIN && unit <= INT32_MAX; }
-
 int negated_errno_or(int fallback) noexcept { return -(errno != 0 ? errno : fallback); }
 
 int read_one_byte(int fd) noexcept {
