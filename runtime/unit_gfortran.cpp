@@ -102,12 +102,11 @@ bool wrappers_bound() noexcept {
 int descriptor(std::int64_t unit) {
     if (!fits_unit_number(unit)) return -1;
     auto u = static_cast<std::int32_t>(unit);
-    const bool cached = wrappers_bound();
     const std::uint32_t seen = unit_cache.generation();
     UnitCache::Entry entry{};
-    if (cached && unit_cache.find(u, entry)) return entry.fd;
+    if (unit_cache.find(u, entry)) return entry.fd;  // only ever filled when wrappers_bound()
     const int fd = rt->fnum_i4(&u);
-    if (cached && fd >= 0) unit_cache.remember(u, {fd, UnitCache::kUnknown}, seen);
+    if (fd >= 0 && wrappers_bound()) unit_cache.remember(u, {fd, UnitCache::kUnknown}, seen);
     return fd;
 }
 
@@ -148,15 +147,13 @@ int write_char(std::int64_t unit, unsigned char ch) {
 int seek_state(std::int64_t unit) {
     if (!fits_unit_number(unit)) return -EBADF;
     const auto u = static_cast<std::int32_t>(unit);
-    const bool cached = wrappers_bound();
     const std::uint32_t seen = unit_cache.generation();  // before the entry is read
     UnitCache::Entry entry{-1, UnitCache::kUnknown};
-    if (cached && unit_cache.find(u, entry) && entry.state != UnitCache::kUnknown)
-        return -static_cast<int>(entry.state);
+    if (unit_cache.find(u, entry) && entry.state != UnitCache::kUnknown) return -static_cast<int>(entry.state);
     const int fd = entry.fd >= 0 ? entry.fd : descriptor(unit);
     if (fd < 0) return -EBADF;
     const int error = lseek(fd, 0, SEEK_CUR) < 0 ? errno : 0;
-    if (cached) unit_cache.remember(u, {fd, static_cast<unsigned>(error)}, seen);
+    if (wrappers_bound()) unit_cache.remember(u, {fd, static_cast<unsigned>(error)}, seen);
     return -error;
 }
 

@@ -16,12 +16,21 @@
 namespace runtime {
 namespace {
 
-const UnitOps& ops() noexcept {
+std::atomic<const UnitOps*> chosen_ops{nullptr};
+
+const UnitOps& choose_ops() noexcept {
     static const UnitOps* const chosen = [] {
         const UnitOps* g = gfortran_unit_ops();
         return g != nullptr ? g : &native_unit_ops();
     }();
+    chosen_ops.store(chosen, std::memory_order_release);
     return *chosen;
+}
+
+// The back end, chosen at first use; later calls read one pointer.
+inline const UnitOps& ops() noexcept {
+    const UnitOps* chosen = chosen_ops.load(std::memory_order_acquire);
+    return chosen != nullptr ? *chosen : choose_ops();
 }
 
 // Stores the name of the file behind a descriptor, as the kernel reports it.
