@@ -94,6 +94,21 @@ program unit_bridge
   call check_int8('position there', curpos(23), 1_8)
   close (23, status='delete')
   n = c_close(fd)
+  call check_int('no character from the closed unit', readchar(23), -9)
+  call check_int8('no position on the closed unit', curpos(23), -9_8)
+  call check_int('no descriptor for the closed unit', gethandle(23), -1)
+  ! The descriptor is the new connection's, also when the old one's number is taken.
+  open (24, file='three.txt', status='replace', access='stream')
+  write (24) 'abc'
+  call check_int8('descriptor of the first file', size_of(gethandle(24)), 3_8)
+  open (25, file='five.txt', status='replace', access='stream')
+  write (25) 'abcde'
+  flush (25)
+  close (24, status='delete')
+  open (24, file='five.txt', status='old', access='stream')
+  call check_int8('descriptor after reopening', size_of(gethandle(24)), 5_8)
+  close (24)
+  close (25, status='delete')
 
   ! Attaching checks its arguments.
   call check_int('fdopen of a bad descriptor', fdopen_unit(-1, 23, 'r' // c_null_char), 9)

@@ -38,11 +38,15 @@ TEST_F(Resolve, NamesExistingMissingAndBroken) {
 // Relative names follow the working directory of the moment, also through links and "..",
 // and a directory that no longer exists leaves only the name.
 TEST_F(Resolve, RelativeNamesFollowTheWorkingDirectory) {
-    ASSERT_EQ(mkdir("a", 0755) + mkdir("a/b", 0755) + symlink("a/b", "to_b") + symlink("../..", "a/b/up"), 0);
-    write_file("a/b/f", "");
     const std::string d = dir();
+    ASSERT_EQ(mkdir("a", 0755) + mkdir("a/b", 0755) + symlink("a/b", "to_b") + symlink("../..", "a/b/up") +
+                  symlink((d + "/a").c_str(), "abs") + symlink("to_b/f", "to_f"),
+              0);
+    write_file("a/b/f", "");
     const std::pair<std::string, std::string> cases[] = {
         {"new", "/new"}, {"f", "/f"}, {"up/a/x/y", "/up/a/x/y"}, {"a/../a/b/./f/", "/a/b/f/"},
+        {"abs/b/up/abs/b/f", "/a/b/f"}, {"to_f", "/a/b/f"}, {"to_f/", "/a/b/f/"}, {"to_f/.", "/a/b/f"},
+        {"abs/b/f/..", "/a/b"}, {"abs//b///up/./to_b/../b/f", "/a/b/f"}, {"to_b/..", "/a"},
     };
     for (const auto& [name, want] : cases) EXPECT_EQ(resolve(name), d + want) << '"' << name << '"';
     ASSERT_EQ(chdir("to_b"), 0);
