@@ -27,8 +27,14 @@ public:
         return known_ ? text_ : nullptr;
     }
 
+    // The last relative name that did not resolve: a name that fails as a whole is walked
+    // again as its own leading part, and the answer cannot differ within one resolution.
+    bool failed_before(const char* path) const noexcept { return failed_[0] != '\0' && std::strcmp(path, failed_) == 0; }
+    void remember_failure(const char* path) noexcept { copy_bounded(failed_, path, sizeof failed_ - 1); }
+
 private:
     char text_[PATH_MAX];
+    char failed_[PATH_MAX] = {};
     bool asked_ = false;
     bool known_ = false;
 };
@@ -115,9 +121,10 @@ char* real_path(const char* path, char* out, WorkingDirectory& cwd) noexcept {
     if (path[0] == '/' || path[0] == '\0') return realpath(path, out);
     const char* dir = cwd.get();
     if (dir == nullptr) return realpath(path, out);
+    if (cwd.failed_before(path)) return nullptr;
     switch (walk_from(dir, path, out)) {
     case Walk::done: return out;
-    case Walk::failed: return nullptr;
+    case Walk::failed: cwd.remember_failure(path); return nullptr;
     case Walk::too_long: break;
     }
     return realpath(path, out);
