@@ -279,4 +279,24 @@ contains
     integer(4), intent(in) :: size
     bsearchqq_other_length = bsearchqq(adrkey, adrarray, int(length, c_intptr_t), size)
   end function bsearchqq_other_length
+
+  ! The control and status words in INTEGER(4) variables: the 16 bits, zero-extended.
+  subroutine fpword_out_i4(control)
+    integer(4), intent(out) :: control
+    integer(2) :: word
+    call getcontrolfpqq(word)
+    control = iand(int(word, 4), 65535)
+  end subroutine fpword_out_i4
+
+  subroutine fpword_in_i4(control)
+    integer(4), intent(in) :: control
+    call setcontrolfpqq(int(iand(control, 65535) - merge(65536, 0, btest(control, 15)), 2))
+  end subroutine fpword_in_i4
+
+  subroutine fpstatus_out_i4(status)
+    integer(4), intent(out) :: status
+    integer(2) :: word
+    call getstatusfpqq(word)
+    status = iand(int(word, 4), 65535)
+  end subroutine fpstatus_out_i4
 end module tarvo_qq

@@ -26,6 +26,7 @@ const GfortranRuntime* look_up() noexcept {
                           bind(library, "_gfortran_ftell", entries.ftell) &&
                           bind(library, "_gfortran_flush_i4", entries.flush_i4) &&
                           bind(library, "_gfortran_st_open", entries.st_open) &&
+                          bind(library, "_gfortran_st_close", entries.st_close) &&
                           bind(library, "_gfortran_exit_i4", entries.exit_i4) &&
                           bind(library, "_gfortran_iargc", entries.iargc) &&
                           bind(library, "_gfortran_get_command_argument_i4", entries.get_command_argument_i4);

@@ -51,6 +51,7 @@ struct GfortranRuntime {
     std::int64_t (*ftell)(std::int32_t* unit);
     void (*flush_i4)(std::int32_t* unit);
     void (*st_open)(GfortranOpenBlock* block);
+    void (*st_close)(void* block);
     void (*exit_i4)(std::int32_t* status);
     std::int32_t (*iargc)();
     void (*get_command_argument_i4)(std::int32_t* number, char* value, std::int32_t* length,

@@ -1,6 +1,7 @@
 // The operations each unit back end supplies (see units.h for the results).
 #pragma once
 
+#include <climits>
 #include <cstdint>
 
 namespace runtime {
@@ -14,10 +15,11 @@ struct UnitAccess {
 
 struct UnitOps {
     int (*descriptor)(std::int64_t unit);
-    int (*flush)(std::int64_t unit);
+    int (*flush)(std::int64_t unit);  // the flushed unit's descriptor, or -1
     int (*read_char)(std::int64_t unit);
     int (*write_char)(std::int64_t unit, unsigned char ch);
-    int (*seek)(std::int64_t unit, std::int64_t offset, int origin);
+    // Both check the unit (-EBADF) first, then seek checks the origin (-EINVAL).
+    int (*seek)(std::int64_t unit, std::int64_t offset, std::int64_t origin);
     std::int64_t (*position)(std::int64_t unit);
     int (*attach)(int fd, std::int32_t unit, UnitAccess access);
     void (*flush_all)();
@@ -27,7 +29,8 @@ const UnitOps* gfortran_unit_ops() noexcept;  // null without a gfortran run-tim
 const UnitOps& native_unit_ops() noexcept;
 
 // Shared by both back ends.
-bool fits_unit_number(std::int64_t unit) noexcept;
+inline bool fits_unit_number(std::int64_t unit) noexcept { return unit >= INT32_MIN && unit <= INT32_MAX; }
+inline bool valid_origin(std::int64_t origin) noexcept { return origin >= 0 && origin <= 2; }
 int negated_errno_or(int fallback) noexcept;  // -errno, or -fallback when errno is 0
 int read_one_byte(int fd) noexcept;            // the byte, kEndOfFile, or -errno
 int write_one_byte(int fd, unsigned char ch) noexcept;

@@ -1,11 +1,15 @@
 // Units of the gfortran run-time: the library reaches them through that run-time's
 // exported entry points, so a unit opened by a Fortran OPEN is the same unit here.
+#include <dlfcn.h>
+
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "base/export.h"
 #include "runtime/gfortran.h"
 #include "runtime/unit_backend.h"
 #include "runtime/units.h"
@@ -15,54 +19,161 @@ namespace {
 
 const GfortranRuntime* rt;  // set once, before these operations are handed out
 
+// What is known about connected units: the descriptor, and once asked, whether it can seek
+// (gfortran keeps its own position for units on pipes and terminals and would report a
+// seek there as done; the descriptor tells the truth, as it does in the native back end).
+// An entry lives as long as the connection: every OPEN and CLOSE empties the cache.
+//
+// A slot holds unit << 32 | descriptor << 10 | state << 1 | 1, state being 0 for a
+// descriptor that can seek, the error number lseek gave, or kUnknown; 0 is a free slot.
+// A slot filled while an OPEN or CLOSE ran is emptied again.
+class UnitCache {
+public:
+    static constexpr unsigned kUnknown = 511;
+    static constexpr int kFdLimit = 1 << 22;
+    struct Entry {
+        int fd;
+        unsigned state;
+    };
+
+    bool find(std::int32_t unit, Entry& entry) const noexcept {
+        for (const auto& slot : slots_) {
+            const std::uint64_t v = slot.load(std::memory_order_acquire);
+            if (v != 0 && static_cast<std::uint32_t>(v >> 32) == static_cast<std::uint32_t>(unit)) {
+                entry = {static_cast<int>((v >> 10) & (kFdLimit - 1)), static_cast<unsigned>((v >> 1) & 511)};
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::uint32_t generation() const noexcept { return generation_.load(std::memory_order_acquire); }
+
+    void remember(std::int32_t unit, Entry entry, std::uint32_t seen) noexcept {
+        if (entry.fd < 0 || entry.fd >= kFdLimit || entry.state > kUnknown) return;
+        const std::uint64_t v = (std::uint64_t{static_cast<std::uint32_t>(unit)} << 32) |
+                                (std::uint64_t{static_cast<std::uint32_t>(entry.fd)} << 10) | (entry.state << 1) | 1u;
+        std::atomic<std::uint64_t>* chosen = nullptr;
+        for (auto& slot : slots_) {  // an entry for the same unit is replaced
+            std::uint64_t old = slot.load(std::memory_order_acquire);
+            if (old != 0 && static_cast<std::uint32_t>(old >> 32) == static_cast<std::uint32_t>(unit) &&
+                slot.compare_exchange_strong(old, v, std::memory_order_acq_rel)) {
+                chosen = &slot;
+                break;
+            }
+        }
+        if (chosen == nullptr) {
+            chosen = &slots_[next_.fetch_add(1, std::memory_order_relaxed) % kSlots];
+            chosen->store(v, std::memory_order_release);
+        }
+        std::uint64_t expected = v;
+        if (generation() != seen) chosen->compare_exchange_strong(expected, 0, std::memory_order_acq_rel);
+    }
+
+    void forget_all() noexcept {
+        generation_.fetch_add(1, std::memory_order_acq_rel);
+        for (auto& slot : slots_) slot.store(0, std::memory_order_release);
+    }
+
+private:
+    static constexpr unsigned kSlots = 16;
+    std::atomic<std::uint64_t> slots_[kSlots] = {};
+    std::atomic<std::uint32_t> generation_{0};
+    std::atomic<unsigned> next_{0};
+};
+
+UnitCache unit_cache;
+
+int descriptor(std::int64_t unit);
+
+// Whether OPEN and CLOSE in every Fortran caller reach the wrappers at the end of this file:
+// only then can the cache be trusted. Otherwise every call asks gfortran and lseek.
+bool wrappers_bound() noexcept {
+    static const bool bound = [] {
+        Dl_info ours{}, open{}, close{};
+        const bool ok = dladdr(reinterpret_cast<void*>(&descriptor), &ours) != 0 &&
+                        dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_open"), &open) != 0 &&
+                        dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_close"), &close) != 0;
+        return ok && open.dli_fbase == ours.dli_fbase && close.dli_fbase == ours.dli_fbase;
+    }();
+    return bound;
+}
+
 // gfortran issues NEWUNIT= numbers from -10 downwards and refuses OPEN on any other negative
 // number, so -1 to -9 are never connected. It keeps stream-less units for internal files
-// under -1 and -2, and its descriptor lookup faults on those, so this range is answered
+// under -1 and -2, and its unit routines fault on those, so this range is answered
 // here without asking it.
 constexpr std::int64_t kFirstNewUnit = -10;
 
+bool askable(std::int64_t unit) noexcept {
+    return fits_unit_number(unit) && (unit >= 0 || unit <= kFirstNewUnit);
+}
+
 int descriptor(std::int64_t unit) {
-    if (!fits_unit_number(unit) || (unit < 0 && unit > kFirstNewUnit)) return -1;
+    if (!askable(unit)) return -1;
     auto u = static_cast<std::int32_t>(unit);
-    return rt->fnum_i4(&u);
+    const std::uint32_t seen = unit_cache.generation();
+    UnitCache::Entry entry{};
+    if (unit_cache.find(u, entry)) return entry.fd;  // only ever filled when wrappers_bound()
+    const int fd = rt->fnum_i4(&u);
+    if (fd >= 0 && wrappers_bound()) unit_cache.remember(u, {fd, UnitCache::kUnknown}, seen);
+    return fd;
 }
 
 int flush(std::int64_t unit) {
-    if (descriptor(unit) < 0) return 0;
+    const int fd = descriptor(unit);
+    if (fd < 0) return -1;
     auto u = static_cast<std::int32_t>(unit);
     rt->flush_i4(&u);
-    return 1;
+    return fd;
 }
 
-// gfortran reports end of file and read errors alike; errno tells them apart.
+// gfortran answers -1 both at end of file and for a unit that is not connected, and the
+// same for a failed write: only then is the unit looked up a second time.
 int read_char(std::int64_t unit) {
-    if (descriptor(unit) < 0) return -EBADF;
+    if (!askable(unit)) return -EBADF;
     auto u = static_cast<std::int32_t>(unit);
     char c = ' ';
     errno = 0;
     if (rt->fgetc(&u, &c, 1) == 0) return static_cast<unsigned char>(c);
-    return errno != 0 ? -errno : kEndOfFile;
+    const int error = errno;  // gfortran reports end of file and read errors alike
+    if (descriptor(unit) < 0) return -EBADF;
+    return error != 0 ? -error : kEndOfFile;
 }
 
 int write_char(std::int64_t unit, unsigned char ch) {
-    if (descriptor(unit) < 0) return -EBADF;
+    if (!askable(unit)) return -EBADF;
     auto u = static_cast<std::int32_t>(unit);
     char c = static_cast<char>(ch);
     errno = 0;
-    return rt->fputc(&u, &c, 1) == 0 ? 0 : negated_errno_or(EIO);
+    if (rt->fputc(&u, &c, 1) == 0) return 0;
+    const int error = errno;
+    if (descriptor(unit) < 0) return -EBADF;
+    return error != 0 ? -error : -EIO;
 }
 
-// gfortran keeps its own position for units on pipes and terminals and would report a seek
-// there as done; the descriptor tells the truth, as it does in the native back end.
-int unseekable(std::int64_t unit) {
-    const int fd = descriptor(unit);
-    return fd >= 0 && lseek(fd, 0, SEEK_CUR) < 0 ? -errno : 0;
+// 0 for a connected unit that can seek, else the negated error number (-EBADF when the
+// unit is not connected).
+int seek_state(std::int64_t unit) {
+    if (!askable(unit)) return -EBADF;
+    const auto u = static_cast<std::int32_t>(unit);
+    const std::uint32_t seen = unit_cache.generation();  // before the entry is read
+    UnitCache::Entry entry{-1, UnitCache::kUnknown};
+    if (unit_cache.find(u, entry) && entry.state != UnitCache::kUnknown) return -static_cast<int>(entry.state);
+    const int fd = entry.fd >= 0 ? entry.fd : descriptor(unit);
+    if (fd < 0) return -EBADF;
+    const int error = lseek(fd, 0, SEEK_CUR) < 0 ? errno : 0;
+    if (wrappers_bound()) unit_cache.remember(u, {fd, static_cast<unsigned>(error)}, seen);
+    return -error;
 }
 
-int seek(std::int64_t unit, std::int64_t offset, int origin) {
-    if (const int error = unseekable(unit)) return error;
+int seek(std::int64_t unit, std::int64_t offset, std::int64_t origin) {
+    const int state = seek_state(unit);
+    if (state == -EBADF) return state;
+    if (!valid_origin(origin)) return -EINVAL;
+    if (state != 0) return state;
     auto u = static_cast<std::int32_t>(unit);
-    std::int32_t whence = origin;
+    auto whence = static_cast<std::int32_t>(origin);
     std::int32_t status = 0;
     errno = 0;
     rt->fseek_sub(&u, &offset, &whence, &status);
@@ -73,7 +184,7 @@ int seek(std::int64_t unit, std::int64_t offset, int origin) {
 }
 
 std::int64_t position(std::int64_t unit) {
-    if (const int error = unseekable(unit)) return error;
+    if (const int state = seek_state(unit)) return state;
     auto u = static_cast<std::int32_t>(unit);
     errno = 0;
     const std::int64_t at = rt->ftell(&u);
@@ -108,12 +219,15 @@ int attach(int fd, std::int32_t unit, UnitAccess access) {
         open.position = "append";
         open.position_len = 6;
     }
+    unit_cache.forget_all();
     rt->st_open(&open);
+    unit_cache.forget_all();
     if (iostat != 0) return EINVAL;
     const int unit_fd = descriptor(unit);
     if (unit_fd < 0) return EBADF;
     // dup3 keeps the unit's descriptor close-on-exec, as the program's own OPEN units are.
     if (unit_fd != fd && dup3(fd, unit_fd, O_CLOEXEC) < 0) return errno;
+    unit_cache.forget_all();  // the unit's descriptor is now another file
     const off_t at = lseek(fd, 0, SEEK_CUR);
     if (!access.append && at > 0 && seek(unit, at, SEEK_SET) != 0) return ESPIPE;
     return 0;
@@ -131,3 +245,32 @@ const UnitOps* gfortran_unit_ops() noexcept {
 }
 
 }  // namespace runtime
+
+// OPEN and CLOSE statements of gfortran programs linked with the library come here first
+// (the library precedes the gfortran run-time in the search order), so that what is known
+// about a unit's connection is forgotten whenever a connection ends or changes.
+namespace runtime {
+namespace {
+template <class F>
+F next_definition(const char* name) noexcept {
+    void* entry = dlsym(RTLD_NEXT, name);
+    if (entry == nullptr)
+        if (void* library = dlopen("libgfortran.so.5", RTLD_LAZY | RTLD_NOLOAD)) entry = dlsym(library, name);
+    return reinterpret_cast<F>(entry);
+}
+}  // namespace
+}  // namespace runtime
+
+extern "C" TARVO_API void _gfortran_st_open(runtime::GfortranOpenBlock* block) noexcept {
+    static const auto real = runtime::next_definition<void (*)(runtime::GfortranOpenBlock*)>("_gfortran_st_open");
+    runtime::unit_cache.forget_all();
+    real(block);
+    runtime::unit_cache.forget_all();
+}
+
+extern "C" TARVO_API void _gfortran_st_close(void* block) noexcept {
+    static const auto real = runtime::next_definition<void (*)(void*)>("_gfortran_st_close");
+    runtime::unit_cache.forget_all();
+    real(block);
+    runtime::unit_cache.forget_all();
+}

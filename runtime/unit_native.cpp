@@ -48,7 +48,7 @@ int descriptor(std::int64_t unit) {
     return u != nullptr ? u->fd : -1;
 }
 
-int flush(std::int64_t unit) { return descriptor(unit) >= 0 ? 1 : 0; }
+int flush(std::int64_t unit) { return descriptor(unit); }
 
 int read_char(std::int64_t unit) {
     const int fd = descriptor(unit);
@@ -60,12 +60,17 @@ int write_char(std::int64_t unit, unsigned char ch) {
     return fd < 0 ? -EBADF : write_one_byte(fd, ch);
 }
 
-int seek(std::int64_t unit, std::int64_t offset, int origin) {
-    return lseek(descriptor(unit), offset, origin) < 0 ? -errno : 0;
+int seek(std::int64_t unit, std::int64_t offset, std::int64_t origin) {
+    const int fd = descriptor(unit);
+    if (fd < 0) return -EBADF;
+    if (!valid_origin(origin)) return -EINVAL;
+    return lseek(fd, offset, static_cast<int>(origin)) < 0 ? -errno : 0;
 }
 
 std::int64_t position(std::int64_t unit) {
-    const off_t at = lseek(descriptor(unit), 0, SEEK_CUR);
+    const int fd = descriptor(unit);
+    if (fd < 0) return -EBADF;
+    const off_t at = lseek(fd, 0, SEEK_CUR);
     return at < 0 ? -errno : at;
 }
 

@@ -16,12 +16,21 @@
 namespace runtime {
 namespace {
 
-const UnitOps& ops() noexcept {
+std::atomic<const UnitOps*> chosen_ops{nullptr};
+
+const UnitOps& choose_ops() noexcept {
     static const UnitOps* const chosen = [] {
         const UnitOps* g = gfortran_unit_ops();
         return g != nullptr ? g : &native_unit_ops();
     }();
+    chosen_ops.store(chosen, std::memory_order_release);
     return *chosen;
+}
+
+// The back end, chosen at first use; later calls read one pointer.
+inline const UnitOps& ops() noexcept {
+    const UnitOps* chosen = chosen_ops.load(std::memory_order_acquire);
+    return chosen != nullptr ? *chosen : choose_ops();
 }
 
 // Stores the name of the file behind a descriptor, as the kernel reports it.
@@ -31,8 +40,6 @@ void store_descriptor_name(int fd, char* name, std::int32_t* name_length) noexce
     const ssize_t n = readlink(path, name, *name_length > 0 ? static_cast<std::size_t>(*name_length) : 0);
     *name_length = n > 0 ? static_cast<std::int32_t>(n) : 0;
 }
-
-bool valid_origin(std::int64_t origin) noexcept { return origin >= 0 && origin <= 2; }
 
 // Access texts: the stream modes "r", "w", "a", "r+", "w+", "a+" ("b" ignored) or the
 // action words READ, WRITE, READWRITE, APPEND; case and trailing blanks do not matter.
@@ -74,8 +81,6 @@ std::atomic<std::int32_t> posix_io_flag{0};
 
 }  // namespace
 
-bool fits_unit_number(std::int64_t unit) noexcept { return unit >= INT32_MIN && unit <= INT32_MAX; }
-
 int negated_errno_or(int fallback) noexcept { return -(errno != 0 ? errno : fallback); }
 
 int read_one_byte(int fd) noexcept {
@@ -100,8 +105,7 @@ UnitBackend unit_backend() noexcept {
 }
 
 int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_length) noexcept {
-    ops().flush(unit);
-    const int fd = ops().descriptor(unit);
+    const int fd = ops().flush(unit);
     if (fd >= 0 && name != nullptr && name_length != nullptr) store_descriptor_name(fd, name, name_length);
     return fd < 0 ? -1 : fd;
 }
@@ -113,9 +117,7 @@ int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept {
 }
 
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept {
-    if (ops().descriptor(unit) < 0) return -EBADF;
-    if (!valid_origin(origin)) return -EINVAL;
-    return ops().seek(unit, offset, static_cast<int>(origin));
+    return ops().seek(unit, offset, origin);
 }
 
 int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept {
@@ -123,7 +125,6 @@ int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t ori
 }
 
 std::int64_t __quenvatix_d_curpos_i8(std::int64_t unit) noexcept {
-    if (ops().descriptor(unit) < 0) return -EBADF;
     return ops().position(unit);
 }
 
@@ -150,10 +151,7 @@ void flush_all_units() noexcept { ops().flush_all(); }
 namespace {
 // Connected and flushed: the common first step of FLUSHQQ and COMMITQQ.
 int flushed_descriptor(const std::int32_t* unit) noexcept {
-    if (unit == nullptr) return -1;
-    const runtime::UnitOps& units = runtime::ops();
-    if (units.descriptor(*unit) < 0 || units.flush(*unit) == 0) return -1;
-    return units.descriptor(*unit);
+    return unit != nullptr ? runtime::ops().flush(*unit) : -1;
 }
 }  // namespace
 

@@ -14,6 +14,8 @@ program dropin_legacy
   character(len=256) :: word, text
   character(len=24) :: when
   character(len=300) :: drivedir
+  integer(4) :: cw4, saved_cw
+  integer(2) :: cw2
   integer(4) :: values(5) = [4, -1, 3, 0, 2], count4
 
   open (newunit=u, file='dropin_legacy.dat', status='replace', access='stream')
@@ -68,6 +70,15 @@ program dropin_legacy
 
   drivedir = FILE$CURDRIVE
   call check_true('getdrivedirqq of the current drive', getdrivedirqq(drivedir) > 0 .and. drivedir(1:1) == '/')
+
+  call getcontrolfpqq(saved_cw)
+  call getcontrolfpqq(cw2)
+  call check_int('control word in INTEGER(4) and INTEGER(2)', saved_cw, iand(int(cw2, 4), 65535))
+  cw4 = ior(iand(saved_cw, not(int(FPCW$MCW_RC, 4))), int(FPCW$CHOP, 4))
+  call setcontrolfpqq(cw4)
+  call getcontrolfpqq(cw4)
+  call check_int('rounding set through an INTEGER(4) word', iand(cw4, int(FPCW$MCW_RC, 4)), int(FPCW$CHOP, 4))
+  call setcontrolfpqq(saved_cw)
 
   call check_int('unlink', unlink('dropin_legacy.dat'), 0)
   call checks_done('dropin_legacy')

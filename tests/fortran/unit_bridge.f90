@@ -34,6 +34,7 @@ program unit_bridge
   call check_int('writechar of a closed unit', writechar(11, 65), -9)
   call check_int('seek of a closed unit', fseek_unit(11, 0_8, 0), -9)
   call check_int8('curpos of a closed unit', curpos(11), -9_8)
+  call check_int('still not connected', gethandle(11), -1)
   call check_true('standard output is preconnected', gethandle(6) == 1)
 
   ! Attach a descriptor whose offset has moved: READ continues there, WRITE follows it.
@@ -76,6 +77,38 @@ program unit_bridge
   call check_int('seek on a pipe', fseek_unit(22, 0_8, 0), -29)
   call check_int8('position on a pipe', curpos(22), -29_8)
   close (22)
+
+  ! Whether a unit can seek is learnt anew for every connection under the same number:
+  ! a file, a pipe after CLOSE, a file again after an OPEN without CLOSE. (On a stream
+  ! unit gfortran itself would report a position on the pipe.)
+  open (23, file='seekable.txt', status='replace', access='stream')
+  call check_int8('position on a file', curpos(23), 0_8)
+  close (23)
+  fd = pipe_with('x' // achar(10) // c_null_char)
+  write (line, '(a,i0)') '/proc/self/fd/', fd
+  open (23, file=trim(line), status='old', action='read', access='stream')
+  call check_int8('position on the pipe that replaced it', curpos(23), -29_8)
+  call check_int('seek on that pipe', fseek_unit(23, 0_8, 0), -29)
+  open (23, file='seekable.txt', status='old', access='stream')
+  call check_int('seek on the file that replaced the pipe', fseek_unit(23, 1_8, 0), 0)
+  call check_int8('position there', curpos(23), 1_8)
+  close (23, status='delete')
+  n = c_close(fd)
+  call check_int('no character from the closed unit', readchar(23), -9)
+  call check_int8('no position on the closed unit', curpos(23), -9_8)
+  call check_int('no descriptor for the closed unit', gethandle(23), -1)
+  ! The descriptor is the new connection's, also when the old one's number is taken.
+  open (24, file='three.txt', status='replace', access='stream')
+  write (24) 'abc'
+  call check_int8('descriptor of the first file', size_of(gethandle(24)), 3_8)
+  open (25, file='five.txt', status='replace', access='stream')
+  write (25) 'abcde'
+  flush (25)
+  close (24, status='delete')
+  open (24, file='five.txt', status='old', access='stream')
+  call check_int8('descriptor after reopening', size_of(gethandle(24)), 5_8)
+  close (24)
+  close (25, status='delete')
 
   ! Attaching checks its arguments.
   call check_int('fdopen of a bad descriptor', fdopen_unit(-1, 23, 'r' // c_null_char), 9)

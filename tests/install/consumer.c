@@ -4,10 +4,10 @@
 #include <tarvo/tarvo.h>
 
 int main(void) {
-    char text[40];
+    char text[64];
     if (for_lodrik_version_(text, sizeof text) != 3) return 1;
     if (strncmp(text, "Tarvo Fortran portability library", 33) != 0) return 2;
     if (lnblnk_("ab  ", 4) != 2) return 3;
-    puts("consumer_c: ok");
+    printf("consumer_c: ok, %.*s\n", (int)sizeof text, text);
     return 0;
 }
