@@ -50,6 +50,7 @@ module tarvo_qq
 
   ! The other width of a search handle or a sort count (programs declare both widths).
   integer, parameter, private :: OTHER_HANDLE_KIND = merge(4, 8, FILE_HANDLE_KIND == 8)
+  private :: next_natural, next_natural_i8, handle_value, store_handle
 
   interface
     ! Writes the unit's pending output.
@@ -155,7 +156,7 @@ module tarvo_qq
       integer(FILE_HANDLE_KIND), intent(inout) :: handle
     end function getfileinfoqqi8
     module procedure info_other_handle, infoi8_other_handle
-    module procedure info_natural_h4, info_natural_h8, infoi8_natural_h4, infoi8_natural_h8
+    module procedure info_natural, infoi8_natural
   end interface getfileinfoqq
 
   ! Always .FALSE.: TOTAL and AVAIL are left as they are.
@@ -223,45 +224,48 @@ contains
                          transfer(packed%length, 0_8), packed%permit, packed%name)
   end function next_natural_i8
 
-  integer(4) function info_natural_h4(files, buffer, handle)
+  ! The natural records take a handle of either width.
+  integer(4) function info_natural(files, buffer, handle)
     character(len=*), intent(in) :: files
     type(FILE$INFO), intent(inout) :: buffer
-    integer(4), intent(inout) :: handle
+    class(*), intent(inout) :: handle
     integer(FILE_HANDLE_KIND) :: h
-    h = handle
-    info_natural_h4 = next_natural(files, buffer, h)
-    handle = int(h, 4)
-  end function info_natural_h4
+    h = handle_value(handle)
+    info_natural = next_natural(files, buffer, h)
+    call store_handle(handle, h)
+  end function info_natural
 
-  integer(4) function info_natural_h8(files, buffer, handle)
-    character(len=*), intent(in) :: files
-    type(FILE$INFO), intent(inout) :: buffer
-    integer(8), intent(inout) :: handle
-    integer(FILE_HANDLE_KIND) :: h
-    h = int(handle, FILE_HANDLE_KIND)
-    info_natural_h8 = next_natural(files, buffer, h)
-    handle = h
-  end function info_natural_h8
-
-  integer(4) function infoi8_natural_h4(files, buffer, handle)
+  integer(4) function infoi8_natural(files, buffer, handle)
     character(len=*), intent(in) :: files
     type(FILE$INFOI8), intent(inout) :: buffer
-    integer(4), intent(inout) :: handle
+    class(*), intent(inout) :: handle
     integer(FILE_HANDLE_KIND) :: h
-    h = handle
-    infoi8_natural_h4 = next_natural_i8(files, buffer, h)
-    handle = int(h, 4)
-  end function infoi8_natural_h4
+    h = handle_value(handle)
+    infoi8_natural = next_natural_i8(files, buffer, h)
+    call store_handle(handle, h)
+  end function infoi8_natural
 
-  integer(4) function infoi8_natural_h8(files, buffer, handle)
-    character(len=*), intent(in) :: files
-    type(FILE$INFOI8), intent(inout) :: buffer
-    integer(8), intent(inout) :: handle
-    integer(FILE_HANDLE_KIND) :: h
-    h = int(handle, FILE_HANDLE_KIND)
-    infoi8_natural_h8 = next_natural_i8(files, buffer, h)
-    handle = h
-  end function infoi8_natural_h8
+  integer(FILE_HANDLE_KIND) function handle_value(handle)
+    class(*), intent(in) :: handle
+    handle_value = FILE_ERROR
+    select type (handle)
+    type is (integer(4))
+      handle_value = handle
+    type is (integer(8))
+      handle_value = int(handle, FILE_HANDLE_KIND)
+    end select
+  end function handle_value
+
+  subroutine store_handle(handle, h)
+    class(*), intent(inout) :: handle
+    integer(FILE_HANDLE_KIND), intent(in) :: h
+    select type (handle)
+    type is (integer(4))
+      handle = int(h, 4)
+    type is (integer(8))
+      handle = h
+    end select
+  end subroutine store_handle
 
   subroutine sortqq_other_count(adrarray, count, size)
     integer(c_intptr_t), intent(in) :: adrarray
