@@ -87,7 +87,7 @@ constexpr const char* ErrMesArr[] = {
 // INTEGER(4) FUNCTION SIGNALQQ(SIGNUM, HANDLER) -- 0 when installed, -1 for an unknown number
 extern "C" TARVO_API std::int32_t signalqq_(const std::int32_t* signum, void (*handler)()) noexcept {
     const int i = index_of_qq(*signum, kHandled);
-    if (i < 0) return -1;
+    if (i < 0) return TARVO_QQ_SIG_ERR;
     struct sigaction action {};
     action.sa_sigaction = portlib_signalQQhandler;
     sigemptyset(&action.sa_mask);
@@ -100,7 +100,7 @@ extern "C" TARVO_API std::int32_t signalqq_(const std::int32_t* signum, void (*h
 // INTEGER(4) FUNCTION RAISEQQ(SIG) -- the result of sending it; -1 for an unknown number
 extern "C" TARVO_API std::int32_t raiseqq_(const std::int32_t* sig) noexcept {
     const int i = index_of_qq(*sig, static_cast<int>(std::size(sigXlatTable)));
-    if (i < 0) return -1;
+    if (i < 0) return TARVO_QQ_SIG_ERR;
     return kill(getpid(), sigXlatTable[i].host);
 }
 

@@ -115,7 +115,8 @@ enum {
     TARVO_QQ_FPE_ZERODIVIDE = 131,
     TARVO_QQ_FPE_OVERFLOW = 132,
     TARVO_QQ_FPE_UNDERFLOW = 133,
-    TARVO_QQ_FPE_INEXACT = 134
+    TARVO_QQ_FPE_INEXACT = 134,
+    TARVO_QQ_SIG_ERR = -1        /* SIGNALQQ and RAISEQQ: an unknown signal number */
 };
 /* INTEGER(4) FUNCTION SIGNALQQ(SIGNUM, HANDLER); HANDLER receives its arguments by value */
 int32_t signalqq_(const int32_t *signum, void (*handler)(void)) TARVO_NOEXCEPT;
