@@ -11,6 +11,8 @@
 
 #include <tarvo/tarvo.h>
 
+#include "runtime/fpcontrol.h"
+
 namespace {
 
 struct Constant {
@@ -38,6 +40,32 @@ constexpr Constant kConstants[] = {
     {"qq", "FILE_DEVICE", "FILE$DEVICE", "4", TARVO_FILE_DEVICE},
     {"qq", "FILE_DIR", "FILE$DIR", "4", TARVO_FILE_DIR},
     {"qq", "FILE_CURTIME", "FILE$CURTIME", "4", TARVO_FILE_CURTIME},
+    // The QQ control and status words: the x87 layout on both builds.
+    {"qq", "FPCW_INVALID", "FPCW$INVALID", "2", runtime::fp::kX87Invalid},
+    {"qq", "FPCW_DENORMAL", "FPCW$DENORMAL", "2", runtime::fp::kX87Denormal},
+    {"qq", "FPCW_ZERODIVIDE", "FPCW$ZERODIVIDE", "2", runtime::fp::kX87ZeroDivide},
+    {"qq", "FPCW_OVERFLOW", "FPCW$OVERFLOW", "2", runtime::fp::kX87Overflow},
+    {"qq", "FPCW_UNDERFLOW", "FPCW$UNDERFLOW", "2", runtime::fp::kX87Underflow},
+    {"qq", "FPCW_INEXACT", "FPCW$INEXACT", "2", runtime::fp::kX87Inexact},
+    {"qq", "FPCW_MCW_EM", "FPCW$MCW_EM", "2", runtime::fp::kX87Exceptions},
+    {"qq", "FPCW_MCW_PC", "FPCW$MCW_PC", "2", runtime::fp::kX87PrecisionMask},
+    {"qq", "FPCW_64", "FPCW$64", "2", runtime::fp::kX87Precision64},
+    {"qq", "FPCW_53", "FPCW$53", "2", runtime::fp::kX87Precision53},
+    {"qq", "FPCW_24", "FPCW$24", "2", 0},
+    {"qq", "FPCW_MCW_RC", "FPCW$MCW_RC", "2", runtime::fp::kX87RoundMask},
+    {"qq", "FPCW_NEAR", "FPCW$NEAR", "2", 0},
+    {"qq", "FPCW_DOWN", "FPCW$DOWN", "2", runtime::fp::kX87RoundDown},
+    {"qq", "FPCW_UP", "FPCW$UP", "2", runtime::fp::kX87RoundUp},
+    {"qq", "FPCW_CHOP", "FPCW$CHOP", "2", runtime::fp::kX87RoundMask},
+    {"qq", "FPCW_MCW_IC", "FPCW$MCW_IC", "2", runtime::fp::kX87Infinity},
+    {"qq", "FPCW_AFFINE", "FPCW$AFFINE", "2", runtime::fp::kX87Infinity},
+    {"qq", "FPCW_PROJECTIVE", "FPCW$PROJECTIVE", "2", 0},
+    {"qq", "FPSW_INVALID", "FPSW$INVALID", "2", runtime::fp::kX87Invalid},
+    {"qq", "FPSW_DENORMAL", "FPSW$DENORMAL", "2", runtime::fp::kX87Denormal},
+    {"qq", "FPSW_ZERODIVIDE", "FPSW$ZERODIVIDE", "2", runtime::fp::kX87ZeroDivide},
+    {"qq", "FPSW_OVERFLOW", "FPSW$OVERFLOW", "2", runtime::fp::kX87Overflow},
+    {"qq", "FPSW_UNDERFLOW", "FPSW$UNDERFLOW", "2", runtime::fp::kX87Underflow},
+    {"qq", "FPSW_INEXACT", "FPSW$INEXACT", "2", runtime::fp::kX87Inexact},
     {"qq", "SRT_REAL4", "SRT$REAL4", "4", TARVO_SRT_REAL4},
     {"qq", "SRT_REAL8", "SRT$REAL8", "4", TARVO_SRT_REAL8},
     {"qq", "SRT_INTEGER1", "SRT$INTEGER1", "4", TARVO_SRT_INTEGER1},
