@@ -24,7 +24,9 @@ struct Constant {
 };
 
 // Error numbers in the QQ style, for the values the QQ routines record.
-#define TARVO_QQ_ERRNO(NAME) {"qq", "ERR_" #NAME, "ERR$" #NAME, "4", E##NAME},
+// A QQ constant under its plain name and the dollar-sign name derived from it.
+#define TARVO_QQ_CONST(PREFIX, NAME, KIND, VALUE) {"qq", #PREFIX "_" #NAME, #PREFIX "$" #NAME, KIND, VALUE},
+#define TARVO_QQ_ERRNO(NAME) TARVO_QQ_CONST(ERR, NAME, "4", E##NAME)
 
 constexpr Constant kConstants[] = {
     {"posix", "EARRAYLEN", nullptr, "4", TARVO_EARRAYLEN},
@@ -33,61 +35,61 @@ constexpr Constant kConstants[] = {
     {"posix", "EENDDIR", nullptr, "4", TARVO_EENDDIR},
     {"posix", "ETRUNC", nullptr, "4", TARVO_ETRUNC},
     {"posix", "EEND", nullptr, "4", TARVO_EEND},
-    {"qq", "FILE_FIRST", "FILE$FIRST", "FILE_HANDLE_KIND", TARVO_FILE_FIRST},
-    {"qq", "FILE_LAST", "FILE$LAST", "FILE_HANDLE_KIND", TARVO_FILE_LAST},
-    {"qq", "FILE_ERROR", "FILE$ERROR", "FILE_HANDLE_KIND", TARVO_FILE_ERROR},
-    {"qq", "FILE_READONLY", "FILE$READONLY", "4", TARVO_FILE_READONLY},
-    {"qq", "FILE_DEVICE", "FILE$DEVICE", "4", TARVO_FILE_DEVICE},
-    {"qq", "FILE_DIR", "FILE$DIR", "4", TARVO_FILE_DIR},
-    {"qq", "FILE_CURTIME", "FILE$CURTIME", "4", TARVO_FILE_CURTIME},
+    TARVO_QQ_CONST(FILE, FIRST, "FILE_HANDLE_KIND", TARVO_FILE_FIRST)
+    TARVO_QQ_CONST(FILE, LAST, "FILE_HANDLE_KIND", TARVO_FILE_LAST)
+    TARVO_QQ_CONST(FILE, ERROR, "FILE_HANDLE_KIND", TARVO_FILE_ERROR)
+    TARVO_QQ_CONST(FILE, READONLY, "4", TARVO_FILE_READONLY)
+    TARVO_QQ_CONST(FILE, DEVICE, "4", TARVO_FILE_DEVICE)
+    TARVO_QQ_CONST(FILE, DIR, "4", TARVO_FILE_DIR)
+    TARVO_QQ_CONST(FILE, CURTIME, "4", TARVO_FILE_CURTIME)
     // The QQ control and status words: the x87 layout on both builds.
-    {"qq", "FPCW_INVALID", "FPCW$INVALID", "2", runtime::fp::kX87Invalid},
-    {"qq", "FPCW_DENORMAL", "FPCW$DENORMAL", "2", runtime::fp::kX87Denormal},
-    {"qq", "FPCW_ZERODIVIDE", "FPCW$ZERODIVIDE", "2", runtime::fp::kX87ZeroDivide},
-    {"qq", "FPCW_OVERFLOW", "FPCW$OVERFLOW", "2", runtime::fp::kX87Overflow},
-    {"qq", "FPCW_UNDERFLOW", "FPCW$UNDERFLOW", "2", runtime::fp::kX87Underflow},
-    {"qq", "FPCW_INEXACT", "FPCW$INEXACT", "2", runtime::fp::kX87Inexact},
-    {"qq", "FPCW_MCW_EM", "FPCW$MCW_EM", "2", runtime::fp::kX87Exceptions},
-    {"qq", "FPCW_MCW_PC", "FPCW$MCW_PC", "2", runtime::fp::kX87PrecisionMask},
-    {"qq", "FPCW_64", "FPCW$64", "2", runtime::fp::kX87Precision64},
-    {"qq", "FPCW_53", "FPCW$53", "2", runtime::fp::kX87Precision53},
-    {"qq", "FPCW_24", "FPCW$24", "2", 0},
-    {"qq", "FPCW_MCW_RC", "FPCW$MCW_RC", "2", runtime::fp::kX87RoundMask},
-    {"qq", "FPCW_NEAR", "FPCW$NEAR", "2", 0},
-    {"qq", "FPCW_DOWN", "FPCW$DOWN", "2", runtime::fp::kX87RoundDown},
-    {"qq", "FPCW_UP", "FPCW$UP", "2", runtime::fp::kX87RoundUp},
-    {"qq", "FPCW_CHOP", "FPCW$CHOP", "2", runtime::fp::kX87RoundMask},
-    {"qq", "FPCW_MCW_IC", "FPCW$MCW_IC", "2", runtime::fp::kX87Infinity},
-    {"qq", "FPCW_AFFINE", "FPCW$AFFINE", "2", runtime::fp::kX87Infinity},
-    {"qq", "FPCW_PROJECTIVE", "FPCW$PROJECTIVE", "2", 0},
-    {"qq", "FPSW_INVALID", "FPSW$INVALID", "2", runtime::fp::kX87Invalid},
-    {"qq", "FPSW_DENORMAL", "FPSW$DENORMAL", "2", runtime::fp::kX87Denormal},
-    {"qq", "FPSW_ZERODIVIDE", "FPSW$ZERODIVIDE", "2", runtime::fp::kX87ZeroDivide},
-    {"qq", "FPSW_OVERFLOW", "FPSW$OVERFLOW", "2", runtime::fp::kX87Overflow},
-    {"qq", "FPSW_UNDERFLOW", "FPSW$UNDERFLOW", "2", runtime::fp::kX87Underflow},
-    {"qq", "FPSW_INEXACT", "FPSW$INEXACT", "2", runtime::fp::kX87Inexact},
-    {"qq", "SRT_REAL4", "SRT$REAL4", "4", TARVO_SRT_REAL4},
-    {"qq", "SRT_REAL8", "SRT$REAL8", "4", TARVO_SRT_REAL8},
-    {"qq", "SRT_INTEGER1", "SRT$INTEGER1", "4", TARVO_SRT_INTEGER1},
-    {"qq", "SRT_INTEGER2", "SRT$INTEGER2", "4", TARVO_SRT_INTEGER2},
-    {"qq", "SRT_INTEGER4", "SRT$INTEGER4", "4", TARVO_SRT_INTEGER4},
-    {"qq", "SRT_INTEGER8", "SRT$INTEGER8", "4", TARVO_SRT_INTEGER8},
-    {"qq", "SRT_REAL16", "SRT$REAL16", "4", TARVO_SRT_REAL16},
-    {"qq", "SIG_INT", "SIG$INT", "4", TARVO_QQ_SIGINT},
-    {"qq", "SIG_ILL", "SIG$ILL", "4", TARVO_QQ_SIGILL},
-    {"qq", "SIG_FPE", "SIG$FPE", "4", TARVO_QQ_SIGFPE},
-    {"qq", "SIG_SEGV", "SIG$SEGV", "4", TARVO_QQ_SIGSEGV},
-    {"qq", "SIG_TERM", "SIG$TERM", "4", TARVO_QQ_SIGTERM},
-    {"qq", "SIG_USR1", "SIG$USR1", "4", TARVO_QQ_SIGUSR1},
-    {"qq", "SIG_USR2", "SIG$USR2", "4", TARVO_QQ_SIGUSR2},
-    {"qq", "SIG_USR3", "SIG$USR3", "4", TARVO_QQ_SIGUSR3},
-    {"qq", "SIG_ABORT", "SIG$ABORT", "4", TARVO_QQ_SIGABRT},
-    {"qq", "SIG_ERR", "SIG$ERR", "4", TARVO_QQ_SIG_ERR},
-    {"qq", "FPE_INVALID", "FPE$INVALID", "4", TARVO_QQ_FPE_INVALID},
-    {"qq", "FPE_ZERODIVIDE", "FPE$ZERODIVIDE", "4", TARVO_QQ_FPE_ZERODIVIDE},
-    {"qq", "FPE_OVERFLOW", "FPE$OVERFLOW", "4", TARVO_QQ_FPE_OVERFLOW},
-    {"qq", "FPE_UNDERFLOW", "FPE$UNDERFLOW", "4", TARVO_QQ_FPE_UNDERFLOW},
-    {"qq", "FPE_INEXACT", "FPE$INEXACT", "4", TARVO_QQ_FPE_INEXACT},
+    TARVO_QQ_CONST(FPCW, INVALID, "2", runtime::fp::kX87Invalid)
+    TARVO_QQ_CONST(FPCW, DENORMAL, "2", runtime::fp::kX87Denormal)
+    TARVO_QQ_CONST(FPCW, ZERODIVIDE, "2", runtime::fp::kX87ZeroDivide)
+    TARVO_QQ_CONST(FPCW, OVERFLOW, "2", runtime::fp::kX87Overflow)
+    TARVO_QQ_CONST(FPCW, UNDERFLOW, "2", runtime::fp::kX87Underflow)
+    TARVO_QQ_CONST(FPCW, INEXACT, "2", runtime::fp::kX87Inexact)
+    TARVO_QQ_CONST(FPCW, MCW_EM, "2", runtime::fp::kX87Exceptions)
+    TARVO_QQ_CONST(FPCW, MCW_PC, "2", runtime::fp::kX87PrecisionMask)
+    TARVO_QQ_CONST(FPCW, 64, "2", runtime::fp::kX87Precision64)
+    TARVO_QQ_CONST(FPCW, 53, "2", runtime::fp::kX87Precision53)
+    TARVO_QQ_CONST(FPCW, 24, "2", 0)
+    TARVO_QQ_CONST(FPCW, MCW_RC, "2", runtime::fp::kX87RoundMask)
+    TARVO_QQ_CONST(FPCW, NEAR, "2", 0)
+    TARVO_QQ_CONST(FPCW, DOWN, "2", runtime::fp::kX87RoundDown)
+    TARVO_QQ_CONST(FPCW, UP, "2", runtime::fp::kX87RoundUp)
+    TARVO_QQ_CONST(FPCW, CHOP, "2", runtime::fp::kX87RoundMask)
+    TARVO_QQ_CONST(FPCW, MCW_IC, "2", runtime::fp::kX87Infinity)
+    TARVO_QQ_CONST(FPCW, AFFINE, "2", runtime::fp::kX87Infinity)
+    TARVO_QQ_CONST(FPCW, PROJECTIVE, "2", 0)
+    TARVO_QQ_CONST(FPSW, INVALID, "2", runtime::fp::kX87Invalid)
+    TARVO_QQ_CONST(FPSW, DENORMAL, "2", runtime::fp::kX87Denormal)
+    TARVO_QQ_CONST(FPSW, ZERODIVIDE, "2", runtime::fp::kX87ZeroDivide)
+    TARVO_QQ_CONST(FPSW, OVERFLOW, "2", runtime::fp::kX87Overflow)
+    TARVO_QQ_CONST(FPSW, UNDERFLOW, "2", runtime::fp::kX87Underflow)
+    TARVO_QQ_CONST(FPSW, INEXACT, "2", runtime::fp::kX87Inexact)
+    TARVO_QQ_CONST(SRT, REAL4, "4", TARVO_SRT_REAL4)
+    TARVO_QQ_CONST(SRT, REAL8, "4", TARVO_SRT_REAL8)
+    TARVO_QQ_CONST(SRT, INTEGER1, "4", TARVO_SRT_INTEGER1)
+    TARVO_QQ_CONST(SRT, INTEGER2, "4", TARVO_SRT_INTEGER2)
+    TARVO_QQ_CONST(SRT, INTEGER4, "4", TARVO_SRT_INTEGER4)
+    TARVO_QQ_CONST(SRT, INTEGER8, "4", TARVO_SRT_INTEGER8)
+    TARVO_QQ_CONST(SRT, REAL16, "4", TARVO_SRT_REAL16)
+    TARVO_QQ_CONST(SIG, INT, "4", TARVO_QQ_SIGINT)
+    TARVO_QQ_CONST(SIG, ILL, "4", TARVO_QQ_SIGILL)
+    TARVO_QQ_CONST(SIG, FPE, "4", TARVO_QQ_SIGFPE)
+    TARVO_QQ_CONST(SIG, SEGV, "4", TARVO_QQ_SIGSEGV)
+    TARVO_QQ_CONST(SIG, TERM, "4", TARVO_QQ_SIGTERM)
+    TARVO_QQ_CONST(SIG, USR1, "4", TARVO_QQ_SIGUSR1)
+    TARVO_QQ_CONST(SIG, USR2, "4", TARVO_QQ_SIGUSR2)
+    TARVO_QQ_CONST(SIG, USR3, "4", TARVO_QQ_SIGUSR3)
+    TARVO_QQ_CONST(SIG, ABORT, "4", TARVO_QQ_SIGABRT)
+    TARVO_QQ_CONST(SIG, ERR, "4", TARVO_QQ_SIG_ERR)
+    TARVO_QQ_CONST(FPE, INVALID, "4", TARVO_QQ_FPE_INVALID)
+    TARVO_QQ_CONST(FPE, ZERODIVIDE, "4", TARVO_QQ_FPE_ZERODIVIDE)
+    TARVO_QQ_CONST(FPE, OVERFLOW, "4", TARVO_QQ_FPE_OVERFLOW)
+    TARVO_QQ_CONST(FPE, UNDERFLOW, "4", TARVO_QQ_FPE_UNDERFLOW)
+    TARVO_QQ_CONST(FPE, INEXACT, "4", TARVO_QQ_FPE_INEXACT)
     TARVO_QQ_ERRNO(PERM) TARVO_QQ_ERRNO(NOENT) TARVO_QQ_ERRNO(SRCH) TARVO_QQ_ERRNO(INTR)
     TARVO_QQ_ERRNO(IO) TARVO_QQ_ERRNO(NXIO) TARVO_QQ_ERRNO(2BIG) TARVO_QQ_ERRNO(NOEXEC)
     TARVO_QQ_ERRNO(BADF) TARVO_QQ_ERRNO(CHILD) TARVO_QQ_ERRNO(AGAIN) TARVO_QQ_ERRNO(NOMEM)
@@ -100,6 +102,7 @@ constexpr Constant kConstants[] = {
     TARVO_QQ_ERRNO(NOTEMPTY) TARVO_QQ_ERRNO(ILSEQ)
 };
 #undef TARVO_QQ_ERRNO
+#undef TARVO_QQ_CONST
 
 // The accessor forms of the C table, as Fortran dummy lists (the type of VALUE apart).
 struct Form {
