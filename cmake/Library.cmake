@@ -40,7 +40,7 @@ target_include_directories(tarvoport_objects
 target_compile_options(tarvoport_objects PRIVATE
   ${TARVO_WARNINGS}
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>
-  -fvisibility=hidden -fvisibility-inlines-hidden -fno-semantic-interposition)
+  -fvisibility=hidden -fvisibility-inlines-hidden -fno-semantic-interposition -fno-plt)
 # 64-bit addresses do not fit a 4-byte handle: the 64-bit build maps handles through tables,
 # the 32-bit build uses the address itself.
 if(TARVO_ARCH STREQUAL "x86_64")

@@ -129,16 +129,22 @@ int flush(std::int64_t unit) {
 }
 
 // gfortran answers -1 both at end of file and for a unit that is not connected, and the
-// same for a failed write: only then is the unit looked up a second time.
+// same for a failed write (errno, cleared before the call, tells an error apart): only
+// then is the unit looked up a second time. Kept out of line so that the common path
+// needs no saved registers.
+[[gnu::noinline, gnu::cold]] int transfer_failed(std::int32_t unit, int without_error) {
+    const int error = errno;
+    if (descriptor(unit) < 0) return -EBADF;
+    return error != 0 ? -error : without_error;
+}
+
 int read_char(std::int64_t unit) {
     if (!askable(unit)) return -EBADF;
     auto u = static_cast<std::int32_t>(unit);
     char c = ' ';
     errno = 0;
     if (rt->fgetc(&u, &c, 1) == 0) return static_cast<unsigned char>(c);
-    const int error = errno;  // gfortran reports end of file and read errors alike
-    if (descriptor(unit) < 0) return -EBADF;
-    return error != 0 ? -error : kEndOfFile;
+    return transfer_failed(u, kEndOfFile);
 }
 
 int write_char(std::int64_t unit, unsigned char ch) {
@@ -147,9 +153,7 @@ int write_char(std::int64_t unit, unsigned char ch) {
     char c = static_cast<char>(ch);
     errno = 0;
     if (rt->fputc(&u, &c, 1) == 0) return 0;
-    const int error = errno;
-    if (descriptor(unit) < 0) return -EBADF;
-    return error != 0 ? -error : -EIO;
+    return transfer_failed(u, -EIO);
 }
 
 // 0 for a connected unit that can seek, else the negated error number (-EBADF when the

@@ -1,7 +1,10 @@
 // The local time zone as the program's TZ variable names it. The zone is read again only
 // when TZ differs from the value it was last read with (set, changed or removed), so a
 // program that changes TZ sees the new zone at its next call, and one that never does
-// pays for no file check per call.
+// pays for no file check per call. TZ is compared only after a change to the environment
+// (through setenv, unsetenv, putenv or clearenv, which the library wraps and counts, or a
+// new list assigned to environ); writing into a string already placed with putenv is not
+// seen until the next such change.
 #pragma once
 
 #include <ctime>

@@ -110,6 +110,12 @@ TEST_F(TimeAndDate, ConversionsOfGivenInstantsMatchTheHost) {
     }
 }
 
+int hour_in_current(std::int32_t when) {
+    std::array<std::int32_t, 9> t{};
+    ltime_(&when, t.data());
+    return t[2];
+}
+
 // The zone is read once per TZ value: a change of TZ (set, changed, removed) shows at the
 // very next call, also when nothing else called tzset in between.
 TEST_F(TimeAndDate, ZoneFollowsEveryChangeOfTz) {
@@ -125,6 +131,25 @@ TEST_F(TimeAndDate, ZoneFollowsEveryChangeOfTz) {
     EXPECT_EQ(hour_in("JST-9"), 21);
     EXPECT_EQ(hour_in("EST5"), 7);
     EXPECT_EQ(hour_in("UTC0"), 12);
+    EXPECT_EQ(hour_in("EST5"), 7);
+    const int machine_hour = hour_in(nullptr);  // no TZ: the machine's zone
+    tzset();
+    const std::time_t noon = noon_utc;
+    std::tm host{};
+    localtime_r(&noon, &host);
+    EXPECT_EQ(machine_hour, host.tm_hour);
+    // Every other way of changing the environment is seen too: putenv, and a new list
+    // assigned to environ.
+    static char placed[] = "TZ=JST-9";
+    putenv(placed);
+    EXPECT_EQ(hour_in_current(noon_utc), 21);
+    char east[] = "TZ=EET-2";
+    char* replacement[] = {east, nullptr};
+    char** const saved = environ;
+    environ = replacement;
+    EXPECT_EQ(hour_in_current(noon_utc), 14);
+    environ = saved;
+    EXPECT_EQ(hour_in_current(noon_utc), 21);
     setenv("TZ", "XYZ-3", 1);
     FString when(24, 'x');
     const std::int32_t epoch = 0;
