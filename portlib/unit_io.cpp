@@ -16,16 +16,12 @@ constexpr std::int64_t kNoUnit = INT64_MIN;
 
 std::int64_t unit_of(const std::int32_t* unit) noexcept { return unit != nullptr ? *unit : kNoUnit; }
 
-// CH is a CHARACTER(1): only its first byte is written, whatever length the caller passes.
-void store_char(char* ch, std::size_t ch_len, int c) noexcept {
-    if (ch != nullptr && base::signed_length(ch_len) >= 1) ch[0] = static_cast<char>(c);
-}
-
-// The character read, stored in CH, or the run-time's negative result.
+// Reads one character into CH: 0, or the run-time's negative result. CH is a CHARACTER(1): only
+// its first byte is written, whatever length the caller passes; without one the character
+// is read and dropped.
 int read_into(std::int64_t unit, char* ch, std::size_t ch_len) noexcept {
-    const int c = runtime::__quenvatix_d_readchar(unit);
-    if (c >= 0) store_char(ch, ch_len, c);
-    return c;
+    char dropped;
+    return runtime::read_char_into(unit, ch != nullptr && base::signed_length(ch_len) >= 1 ? ch : &dropped);
 }
 
 std::int32_t write_char(std::int64_t unit, const char* ch, std::size_t ch_len) noexcept {
@@ -49,14 +45,14 @@ std::int64_t recorded_position(std::int64_t position) noexcept {
 
 // INTEGER FUNCTION FGETC(IUNIT, CH) -- 0, -1 at end of file, 22 on error
 extern "C" TARVO_API std::int32_t fgetc_(const std::int32_t* unit, char* ch, std::size_t ch_len) noexcept {
-    const int c = read_into(unit_of(unit), ch, ch_len);
-    if (c >= 0) return 0;
-    return c == runtime::kEndOfFile ? -1 : portlib::fail_errno(EINVAL);  // end of file is no error
+    const int result = read_into(unit_of(unit), ch, ch_len);
+    if (result == 0) return 0;
+    return result == runtime::kEndOfFile ? -1 : portlib::fail_errno(EINVAL);  // end of file is no error
 }
 
 // INTEGER FUNCTION GETC(CH) -- unit 5; -1 at end of file and on any error, nothing recorded
 extern "C" TARVO_API std::int32_t getc_(char* ch, std::size_t ch_len) noexcept {
-    return read_into(TARVO_STDIN_UNIT, ch, ch_len) >= 0 ? 0 : -1;
+    return read_into(TARVO_STDIN_UNIT, ch, ch_len) == 0 ? 0 : -1;
 }
 
 // INTEGER FUNCTION FPUTC(IUNIT, CH) -- 0 or 22

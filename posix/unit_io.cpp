@@ -20,9 +20,8 @@ bool has_first_byte(const char* ch, std::size_t ch_len) noexcept { return ch != 
 // IERROR as it stands.
 void get_char(std::int64_t unit, char* ch, std::size_t ch_len, std::int32_t* ierror) noexcept {
     if (!has_first_byte(ch, ch_len)) return report(ierror, EINVAL);
-    const int c = runtime::__quenvatix_d_readchar(unit);
-    if (c < 0) return report(ierror, c == runtime::kEndOfFile ? TARVO_EEND : c);
-    *ch = static_cast<char>(c);
+    const int result = runtime::read_char_into(unit, ch);
+    if (result < 0) return report(ierror, result == runtime::kEndOfFile ? TARVO_EEND : result);
     *ierror = 0;
 }
 

@@ -37,14 +37,10 @@ public:
     };
 
     bool find(std::int32_t unit, Entry& entry) const noexcept {
-        for (const auto& slot : slots_) {
-            const std::uint64_t v = slot.load(std::memory_order_acquire);
-            if (v != 0 && static_cast<std::uint32_t>(v >> 32) == static_cast<std::uint32_t>(unit)) {
-                entry = {static_cast<int>((v >> 10) & (kFdLimit - 1)), static_cast<unsigned>((v >> 1) & 511)};
-                return true;
-            }
-        }
-        return false;
+        const std::uint64_t v = slot_of(unit).load(std::memory_order_acquire);
+        if (v == 0 || static_cast<std::uint32_t>(v >> 32) != static_cast<std::uint32_t>(unit)) return false;
+        entry = {static_cast<int>((v >> 10) & (kFdLimit - 1)), static_cast<unsigned>((v >> 1) & 511)};
+        return true;
     }
 
     std::uint32_t generation() const noexcept { return generation_.load(std::memory_order_acquire); }
@@ -53,21 +49,10 @@ public:
         if (entry.fd < 0 || entry.fd >= kFdLimit || entry.state > kUnknown) return;
         const std::uint64_t v = (std::uint64_t{static_cast<std::uint32_t>(unit)} << 32) |
                                 (std::uint64_t{static_cast<std::uint32_t>(entry.fd)} << 10) | (entry.state << 1) | 1u;
-        std::atomic<std::uint64_t>* chosen = nullptr;
-        for (auto& slot : slots_) {  // an entry for the same unit is replaced
-            std::uint64_t old = slot.load(std::memory_order_acquire);
-            if (old != 0 && static_cast<std::uint32_t>(old >> 32) == static_cast<std::uint32_t>(unit) &&
-                slot.compare_exchange_strong(old, v, std::memory_order_acq_rel)) {
-                chosen = &slot;
-                break;
-            }
-        }
-        if (chosen == nullptr) {
-            chosen = &slots_[next_.fetch_add(1, std::memory_order_relaxed) % kSlots];
-            chosen->store(v, std::memory_order_release);
-        }
+        std::atomic<std::uint64_t>& slot = slot_of(unit);  // whatever it held is replaced
+        slot.store(v, std::memory_order_release);
         std::uint64_t expected = v;
-        if (generation() != seen) chosen->compare_exchange_strong(expected, 0, std::memory_order_acq_rel);
+        if (generation() != seen) slot.compare_exchange_strong(expected, 0, std::memory_order_acq_rel);
     }
 
     void forget_all() noexcept {
@@ -76,10 +61,17 @@ public:
     }
 
 private:
-    static constexpr unsigned kSlots = 16;
+    // Each unit has one slot, so a look-up is one load; two units sharing a slot only take
+    // turns in it.
+    static constexpr unsigned kSlots = 64;
+    std::atomic<std::uint64_t>& slot_of(std::int32_t unit) noexcept {
+        return slots_[static_cast<std::uint32_t>(unit) % kSlots];
+    }
+    const std::atomic<std::uint64_t>& slot_of(std::int32_t unit) const noexcept {
+        return slots_[static_cast<std::uint32_t>(unit) % kSlots];
+    }
     std::atomic<std::uint64_t> slots_[kSlots] = {};
     std::atomic<std::uint32_t> generation_{0};
-    std::atomic<unsigned> next_{0};
 };
 
 UnitCache unit_cache;
@@ -109,15 +101,20 @@ bool askable(std::int64_t unit) noexcept {
     return fits_unit_number(unit) && (unit >= 0 || unit <= kFirstNewUnit);
 }
 
-int descriptor(std::int64_t unit) {
-    if (!askable(unit)) return -1;
-    auto u = static_cast<std::int32_t>(unit);
+// Asks gfortran for the unit's descriptor and remembers it.
+[[gnu::noinline]] int ask_descriptor(std::int32_t unit) {
     const std::uint32_t seen = unit_cache.generation();
-    UnitCache::Entry entry{};
-    if (unit_cache.find(u, entry)) return entry.fd;  // only ever filled when wrappers_bound()
-    const int fd = rt->fnum_i4(&u);
-    if (fd >= 0 && wrappers_bound()) unit_cache.remember(u, {fd, UnitCache::kUnknown}, seen);
+    const int fd = rt->fnum_i4(&unit);
+    if (fd >= 0 && wrappers_bound()) unit_cache.remember(unit, {fd, UnitCache::kUnknown}, seen);
     return fd;
+}
+
+[[gnu::always_inline]] inline int descriptor(std::int64_t unit) {
+    if (!askable(unit)) return -1;
+    UnitCache::Entry entry{};
+    // The cache is only ever filled when wrappers_bound().
+    if (unit_cache.find(static_cast<std::int32_t>(unit), entry)) return entry.fd;
+    return ask_descriptor(static_cast<std::int32_t>(unit));
 }
 
 int flush(std::int64_t unit) {
@@ -138,12 +135,15 @@ int flush(std::int64_t unit) {
     return error != 0 ? -error : without_error;
 }
 
-int read_char(std::int64_t unit) {
+// gfortran reads straight into the caller's byte, which it blanks first: on failure the
+// byte gets back what it held, so a failed read leaves it as it was.
+int read_char(std::int64_t unit, char* dest) {
     if (!askable(unit)) return -EBADF;
     auto u = static_cast<std::int32_t>(unit);
-    char c = ' ';
+    const char before = *dest;
     errno = 0;
-    if (rt->fgetc(&u, &c, 1) == 0) return static_cast<unsigned char>(c);
+    if (rt->fgetc(&u, dest, 1) == 0) return 0;
+    *dest = before;
     return transfer_failed(u, kEndOfFile);
 }
 
@@ -156,6 +156,15 @@ int write_char(std::int64_t unit, unsigned char ch) {
     return transfer_failed(u, -EIO);
 }
 
+// Asks the descriptor (fd, or the unit's if unknown) whether it can seek, and remembers it.
+[[gnu::noinline]] int learn_seek_state(std::int32_t unit, int fd, std::uint32_t seen) {
+    if (fd < 0) fd = descriptor(unit);
+    if (fd < 0) return -EBADF;
+    const int error = lseek(fd, 0, SEEK_CUR) < 0 ? errno : 0;
+    if (wrappers_bound()) unit_cache.remember(unit, {fd, static_cast<unsigned>(error)}, seen);
+    return -error;
+}
+
 // 0 for a connected unit that can seek, else the negated error number (-EBADF when the
 // unit is not connected).
 int seek_state(std::int64_t unit) {
@@ -164,11 +173,7 @@ int seek_state(std::int64_t unit) {
     const std::uint32_t seen = unit_cache.generation();  // before the entry is read
     UnitCache::Entry entry{-1, UnitCache::kUnknown};
     if (unit_cache.find(u, entry) && entry.state != UnitCache::kUnknown) return -static_cast<int>(entry.state);
-    const int fd = entry.fd >= 0 ? entry.fd : descriptor(unit);
-    if (fd < 0) return -EBADF;
-    const int error = lseek(fd, 0, SEEK_CUR) < 0 ? errno : 0;
-    if (wrappers_bound()) unit_cache.remember(u, {fd, static_cast<unsigned>(error)}, seen);
-    return -error;
+    return learn_seek_state(u, entry.fd, seen);
 }
 
 int seek(std::int64_t unit, std::int64_t offset, std::int64_t origin) {

@@ -50,9 +50,13 @@ int descriptor(std::int64_t unit) {
 
 int flush(std::int64_t unit) { return descriptor(unit); }
 
-int read_char(std::int64_t unit) {
+int read_char(std::int64_t unit, char* dest) {
     const int fd = descriptor(unit);
-    return fd < 0 ? -EBADF : read_one_byte(fd);
+    if (fd < 0) return -EBADF;
+    const int c = read_one_byte(fd);
+    if (c < 0) return c;
+    *dest = static_cast<char>(c);
+    return 0;
 }
 
 int write_char(std::int64_t unit, unsigned char ch) {

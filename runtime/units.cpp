@@ -110,7 +110,13 @@ int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_le
     return fd < 0 ? -1 : fd;
 }
 
-int __quenvatix_d_readchar(std::int64_t unit) noexcept { return ops().read_char(unit); }
+int __quenvatix_d_readchar(std::int64_t unit) noexcept {
+    char c = 0;
+    const int result = ops().read_char(unit, &c);
+    return result < 0 ? result : static_cast<unsigned char>(c);
+}
+
+int read_char_into(std::int64_t unit, char* dest) noexcept { return ops().read_char(unit, dest); }
 
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept {
     return ops().write_char(unit, static_cast<unsigned char>(ch));

@@ -27,6 +27,8 @@ constexpr int kEndOfFile = -2;
 // return (the name is cut to the capacity, not terminated).
 int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_length) noexcept;
 int __quenvatix_d_readchar(std::int64_t unit) noexcept;
+// The same read into *dest: 0 for a byte read, else the negative result (*dest unchanged).
+int read_char_into(std::int64_t unit, char* dest) noexcept;
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept;
 int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
