@@ -8,6 +8,7 @@ namespace {
 static_assert(offsetof(GfortranOpenBlock, iostat) == (sizeof(void*) == 8 ? 40 : 24));
 static_assert(offsetof(GfortranOpenBlock, file_len) == (sizeof(void*) == 8 ? 56 : 36));
 static_assert(offsetof(GfortranOpenBlock, action) == (sizeof(void*) == 8 ? 160 : 88));
+static_assert(offsetof(GfortranOpenBlock, newunit) == (sizeof(void*) == 8 ? 296 : 156));
 
 template <class F>
 bool bind(void* library, const char* name, F& slot) noexcept {

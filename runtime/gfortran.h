@@ -32,7 +32,9 @@ struct GfortranOpenBlock {
     std::size_t position_len;
     std::size_t action_len;
     const char* action;
-    const char* unused_tail[24];  // further specifiers this library never sets; kept zero
+    const char* unused_tail[16];  // further specifiers this library never sets; kept zero
+    std::int32_t* newunit;        // NEWUNIT=: where the run-time stores the unit it chose
+    const char* unused_end[7];
 };
 
 enum : std::int32_t {
@@ -41,6 +43,10 @@ enum : std::int32_t {
     kOpenHasStatus = 1 << 9,
     kOpenHasPosition = 1 << 13,
     kOpenHasAction = 1 << 14,
+    kOpenHasNewunit = 1 << 23,
+    // After the call, the low two bits of the flags hold the statement's outcome: 0 is
+    // success, anything else an error, end of file or end of record.
+    kStatementOutcome = 3,
 };
 
 struct GfortranRuntime {

@@ -93,12 +93,40 @@ bool wrappers_bound() noexcept {
 
 // gfortran issues NEWUNIT= numbers from -10 downwards and refuses OPEN on any other negative
 // number, so -1 to -9 are never connected. It keeps stream-less units for internal files
-// under -1 and -2, and its unit routines fault on those, so this range is answered
-// here without asking it.
+// under -1 and -2, and also numbers them from -10 downwards, the same range as NEWUNIT=;
+// its unit routines fault on all of those. So a negative unit is asked about only when the
+// OPEN wrapper saw an OPEN with NEWUNIT= connect it (and no CLOSE since). Without the
+// wrappers every number from -10 down is asked about, as nothing better is known.
 constexpr std::int64_t kFirstNewUnit = -10;
 
+// The negative units connected by OPEN with NEWUNIT=, one bit each from -10 downwards.
+// Units beyond the first 2^20 (more than the usual limit of open files) are not kept and
+// answer as units that are not connected.
+class NewUnits {
+public:
+    void set(std::int32_t unit, bool connected) noexcept {
+        const std::uint64_t index = bit_of(unit);
+        if (index >= kUnits) return;
+        const std::uint64_t mask = std::uint64_t{1} << (index % 64);
+        if (connected) words_[index / 64].fetch_or(mask, std::memory_order_acq_rel);
+        else words_[index / 64].fetch_and(~mask, std::memory_order_acq_rel);
+    }
+    bool contains(std::int64_t unit) const noexcept {
+        const std::uint64_t index = bit_of(unit);
+        return index < kUnits && (words_[index / 64].load(std::memory_order_acquire) >> (index % 64) & 1) != 0;
+    }
+
+private:
+    static constexpr std::uint64_t kUnits = std::uint64_t{1} << 20;
+    static std::uint64_t bit_of(std::int64_t unit) noexcept { return static_cast<std::uint64_t>(kFirstNewUnit - unit); }
+    std::atomic<std::uint64_t> words_[kUnits / 64] = {};
+};
+
+NewUnits new_units;
+
 bool askable(std::int64_t unit) noexcept {
-    return fits_unit_number(unit) && (unit >= 0 || unit <= kFirstNewUnit);
+    if (unit >= 0) return unit <= INT32_MAX;
+    return unit <= kFirstNewUnit && (new_units.contains(unit) || (unit >= INT32_MIN && !wrappers_bound()));
 }
 
 // Asks gfortran for the unit's descriptor and remembers it.
@@ -274,12 +302,17 @@ extern "C" TARVO_API void _gfortran_st_open(runtime::GfortranOpenBlock* block) n
     static const auto real = runtime::next_definition<void (*)(runtime::GfortranOpenBlock*)>("_gfortran_st_open");
     runtime::unit_cache.forget_all();
     real(block);
+    if ((block->flags & runtime::kOpenHasNewunit) != 0 && (block->flags & runtime::kStatementOutcome) == 0 &&
+        block->newunit != nullptr)
+        runtime::new_units.set(*block->newunit, true);
     runtime::unit_cache.forget_all();
 }
 
-extern "C" TARVO_API void _gfortran_st_close(void* block) noexcept {
-    static const auto real = runtime::next_definition<void (*)(void*)>("_gfortran_st_close");
+// The CLOSE block starts as the OPEN block does (flags, unit, ...).
+extern "C" TARVO_API void _gfortran_st_close(runtime::GfortranOpenBlock* block) noexcept {
+    static const auto real = runtime::next_definition<void (*)(runtime::GfortranOpenBlock*)>("_gfortran_st_close");
     runtime::unit_cache.forget_all();
     real(block);
+    if (block->unit < 0 && (block->flags & runtime::kStatementOutcome) == 0) runtime::new_units.set(block->unit, false);
     runtime::unit_cache.forget_all();
 }

@@ -9,18 +9,15 @@ program negative_units
   integer, parameter :: nanswers = 16
   integer :: reference(nanswers), got(nanswers), i, k, u
   character(len=1) :: ch
-  ! -10 comes first: the run-time has not issued it yet, so it is unconnected too.
-  integer, parameter :: never_connected(5) = [-10, -1, -2, -9, -huge(1)]
-  character(len=12) :: label
+  ! The run-time numbers internal files from -10 downwards too, the same range as NEWUNIT=:
+  ! after an internal WRITE, -10 and -11 name stream-less units that must still answer as
+  ! unconnected units do.
+  integer, parameter :: never_connected(6) = [-10, -11, -1, -2, -9, -huge(1)]
+  character(len=12) :: label, text
 
+  write (text, '(i5)') 42
   reference = answers(31)
-  do k = 1, size(never_connected)
-    got = answers(never_connected(k))
-    do i = 1, nanswers
-      label = 'answer ' // achar(iachar('a') + i - 1)
-      call check_int(label, got(i), reference(i))
-    end do
-  end do
+  call same_as_reference(never_connected)
 
   open (newunit=u, status='scratch', access='stream', form='unformatted')
   call check_true('NEWUNIT gives a negative number', u < 0)
@@ -35,9 +32,23 @@ program negative_units
   call check_true('the unit has a real descriptor', i > 2)
   call check_true('commitqq on a NEWUNIT unit', commitqq(u))
   close (u)
+  ! Closed, the number is free again; an internal file may take it next.
+  write (text, '(i5)') 43
+  call same_as_reference([u])
   call checks_done('negative_units')
 
 contains
+
+  subroutine same_as_reference(units)
+    integer, intent(in) :: units(:)
+    do k = 1, size(units)
+      got = answers(units(k))
+      do i = 1, nanswers
+        label = 'answer ' // achar(iachar('a') + i - 1)
+        call check_int(label, got(i), reference(i))
+      end do
+    end do
+  end subroutine same_as_reference
 
   ! What every unit routine answers for IUNIT, in a fixed order.
   function answers(iunit) result(r)
