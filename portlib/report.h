@@ -3,7 +3,11 @@
 // name the policy they use at the call, so the differences stay visible.
 #pragma once
 
+#include <cerrno>
 #include <cstdint>
+
+#include "base/record.h"
+#include "frame/errors.h"
 
 namespace portlib {
 
@@ -17,8 +21,21 @@ enum class Policy : unsigned char {
                     // carry no number
 };
 
-// Reports `code` by `policy` and returns it.
-std::int32_t report(Policy policy, std::int32_t code) noexcept;
+// Reports `code` by `policy` and returns it. Inline: every call names its policy, so each
+// call site keeps only its own steps.
+inline std::int32_t report(Policy policy, std::int32_t code) noexcept {
+    switch (policy) {
+        case Policy::classic_errno: errno = code; [[fallthrough]];
+        case Policy::classic:
+            base::for_errsns_load(0, code, 0, 0, 0);
+            frame::set_portlib_local_errno(code);
+            break;
+        case Policy::cell_only: frame::set_portlib_local_errno(code); break;
+        case Policy::recorder_only: base::for_errsns_load(0, code, 0, 0, 0); break;
+        case Policy::errno_only: base::record_errno(code); break;
+    }
+    return code;
+}
 
 inline std::int32_t fail(std::int32_t code) noexcept { return report(Policy::classic, code); }
 inline std::int32_t fail_errno(std::int32_t code) noexcept { return report(Policy::classic_errno, code); }

@@ -212,12 +212,14 @@ int seek(std::int64_t unit, std::int64_t offset, std::int64_t origin) {
     auto u = static_cast<std::int32_t>(unit);
     auto whence = static_cast<std::int32_t>(origin);
     std::int32_t status = 0;
-    errno = 0;
+    if constexpr (sizeof(void*) == 4) errno = 0;  // see below
     rt->fseek_sub(&u, &offset, &whence, &status);
     // A seek that fails sets errno. The 32-bit run-time also reports a seek it has done as
     // failed when the new offset does not fit 32 bits (its result is truncated), and then
-    // leaves errno alone: that is a success. The unit and the origin were checked before.
-    return status == 0 || errno == 0 ? 0 : -errno;
+    // leaves errno alone (cleared above): that is a success. The unit and the origin were
+    // checked before.
+    if (status == 0) return 0;
+    return errno == 0 ? 0 : -errno;
 }
 
 std::int64_t position(std::int64_t unit) {
