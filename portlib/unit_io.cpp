@@ -26,7 +26,7 @@ int read_into(std::int64_t unit, char* ch, std::size_t ch_len) noexcept {
 
 std::int32_t write_char(std::int64_t unit, const char* ch, std::size_t ch_len) noexcept {
     const bool have = ch != nullptr && base::signed_length(ch_len) >= 1;
-    if (have && runtime::__quenvatix_d_writechar(unit, static_cast<signed char>(ch[0])) >= 0) return 0;
+    if (have && runtime::write_char_from(unit, ch) >= 0) return 0;
     return portlib::fail_errno(EINVAL);
 }
 

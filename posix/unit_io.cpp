@@ -27,7 +27,7 @@ void get_char(std::int64_t unit, char* ch, std::size_t ch_len, std::int32_t* ier
 
 void put_char(std::int64_t unit, const char* ch, std::size_t ch_len, std::int32_t* ierror) noexcept {
     if (!has_first_byte(ch, ch_len)) return report(ierror, EINVAL);
-    const int result = runtime::__quenvatix_d_writechar(unit, static_cast<unsigned char>(*ch));
+    const int result = runtime::write_char_from(unit, ch);
     *ierror = result < 0 ? result : 0;
 }
 

@@ -17,7 +17,7 @@ struct UnitOps {
     int (*descriptor)(std::int64_t unit);
     int (*flush)(std::int64_t unit);  // the flushed unit's descriptor, or -1
     int (*read_char)(std::int64_t unit, char* dest);  // 0 and the byte in *dest, or negative
-    int (*write_char)(std::int64_t unit, unsigned char ch);
+    int (*write_char)(std::int64_t unit, const char* ch);  // writes *ch
     // Both check the unit (-EBADF) first, then seek checks the origin (-EINVAL).
     int (*seek)(std::int64_t unit, std::int64_t offset, std::int64_t origin);
     std::int64_t (*position)(std::int64_t unit);

@@ -175,12 +175,12 @@ int read_char(std::int64_t unit, char* dest) {
     return transfer_failed(u, kEndOfFile);
 }
 
-int write_char(std::int64_t unit, unsigned char ch) {
+int write_char(std::int64_t unit, const char* ch) {
     if (!askable(unit)) return -EBADF;
     auto u = static_cast<std::int32_t>(unit);
-    char c = static_cast<char>(ch);
     errno = 0;
-    if (rt->fputc(&u, &c, 1) == 0) return 0;
+    // gfortran only reads the character it is given.
+    if (rt->fputc(&u, const_cast<char*>(ch), 1) == 0) return 0;
     return transfer_failed(u, -EIO);
 }
 

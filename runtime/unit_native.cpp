@@ -59,9 +59,9 @@ int read_char(std::int64_t unit, char* dest) {
     return 0;
 }
 
-int write_char(std::int64_t unit, unsigned char ch) {
+int write_char(std::int64_t unit, const char* ch) {
     const int fd = descriptor(unit);
-    return fd < 0 ? -EBADF : write_one_byte(fd, ch);
+    return fd < 0 ? -EBADF : write_one_byte(fd, static_cast<unsigned char>(*ch));
 }
 
 int seek(std::int64_t unit, std::int64_t offset, std::int64_t origin) {

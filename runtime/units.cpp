@@ -119,7 +119,12 @@ int __quenvatix_d_readchar(std::int64_t unit) noexcept {
 int read_char_into(std::int64_t unit, char* dest) noexcept { return ops().read_char(unit, dest); }
 
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept {
-    return ops().write_char(unit, static_cast<unsigned char>(ch));
+    const char c = static_cast<char>(ch);
+    return write_char_from(unit, &c);
+}
+
+int write_char_from(std::int64_t unit, const char* ch) noexcept {
+    return ops().write_char(unit, ch);
 }
 
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept {

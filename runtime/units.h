@@ -30,6 +30,8 @@ int __quenvatix_d_readchar(std::int64_t unit) noexcept;
 // The same read into *dest: 0 for a byte read, else the negative result (*dest unchanged).
 int read_char_into(std::int64_t unit, char* dest) noexcept;
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept;
+// The same write of the byte at *ch.
+int write_char_from(std::int64_t unit, const char* ch) noexcept;
 int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
 std::int64_t __quenvatix_d_curpos(std::int64_t unit) noexcept;
