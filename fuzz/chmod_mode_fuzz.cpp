@@ -17,9 +17,8 @@ namespace {
 
 const std::string& target_file() {
     static const std::string name = [] {
-        char dir[] = "/tmp/tarvo-chmod-fuzz-XXXXXX";
-        FUZZ_CHECK(mkdtemp(dir) != nullptr);
-        std::string file = std::string(dir) + "/f";
+        std::string dir = temporary_directory("tarvo-chmod-fuzz");
+        std::string file = dir + "/f";
         FILE* f = std::fopen(file.c_str(), "w");
         FUZZ_CHECK(f != nullptr);
         std::fclose(f);
