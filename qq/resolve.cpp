@@ -205,8 +205,8 @@ void normalise(char* resolved) noexcept {
         char* dot = std::strstr(cursor, "/.");
         if (dot == nullptr) return;
         const char* after = dot + 2;
-        if (*after == '\0') {  // "/." at the end
-            *dot = '\0';
+        if (*after == '\0') {  // "/." at the end; when nothing precedes it, the root remains
+            dot[dot == resolved ? 1 : 0] = '\0';
             return;
         }
         if (*after == '/') {  // "/./" becomes "/"

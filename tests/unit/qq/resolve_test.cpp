@@ -31,6 +31,7 @@ TEST_F(Resolve, NamesExistingMissingAndBroken) {
         {"./new/../f2", d + "/f2"}, {"C:\\work\\f.dat", d + "/C:\\work\\f.dat"},
         {m + "/./././b", m + "/b"}, {m + "/b/../c", m + "/c"}, {m + "/b/..", m}, {m + "/..", m},
         {m + "/.", m}, {m + "/..x/.y", m + "/..x/.y"},
+        {m + "/../.", "/"}, {m + "/../x/../.", "/"},  // the removals reach the root, which stays
     };
     for (const auto& [name, want] : cases) EXPECT_EQ(resolve(name), want) << '"' << name << '"';
 }
