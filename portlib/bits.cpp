@@ -1,6 +1,7 @@
 // Bit, shift and numeric routines: small pure functions older programs expect as externals.
 // Their boundary rules (counts out of range, sign handling, widths) are the contract; like
 // routines are one template each, instantiated per kind below.
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
@@ -249,8 +250,11 @@ TARVO_BESSEL_N(besyn, ::yn, true)
 // INTEGER FUNCTION RINDEX(STRING, SUBSTR) -- position of the last occurrence of SUBSTR,
 // comparing the full declared lengths (trailing blanks count); 0 when there is none. An
 // empty SUBSTR matches after the end: the result is LEN(STRING) + 1.
-extern "C" TARVO_API int32_t rindex_(const char* string, const char* substr, std::size_t string_len,
-                                     std::size_t substr_len) noexcept {
+extern "C" TARVO_API int32_t rindex_(const char* string, const char* substr, std::size_t string_hidden,
+                                     std::size_t substr_hidden) noexcept {
+    // A hidden length that is negative as a Fortran length is no text at all.
+    const std::size_t string_len = static_cast<std::size_t>(std::max<base::flen>(base::signed_length(string_hidden), 0));
+    const std::size_t substr_len = static_cast<std::size_t>(std::max<base::flen>(base::signed_length(substr_hidden), 0));
     if (substr_len > string_len) return 0;
     // Zeroed copies two bytes longer than the texts: the empty SUBSTR then matches the
     // terminator just past the end of STRING.

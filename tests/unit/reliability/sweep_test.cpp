@@ -19,6 +19,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "base/fstring.h"
 #include "support/support.h"
 #include <tarvo/tarvo.h>
 
@@ -76,7 +77,7 @@ public:
     std::int32_t int_at(int k) { return *static_cast<std::int32_t*>(at(k)); }
 
 private:
-    static constexpr std::size_t kBlock = 1 << 20;
+    static constexpr std::size_t kBlock = 1 << 16;
     void* at(int k) {
         if (blocks_[k] == nullptr) blocks_[k] = std::calloc(1, kBlock);
         return blocks_[k];
@@ -111,12 +112,25 @@ const std::set<std::string> kSkipped = {
     "jmod_",            // a zero divisor raises the divide fault, which programs trap on purpose
 };
 
-// Routines whose counts are the caller's promise about the array passed: SORTQQ and
-// BSEARCHQQ refuse counts below 1 but trust positive ones; the qsort routines hand every
-// count to the C library's qsort as it is, sign-extended, by design.
-bool counts_promised(const std::string& name, std::int64_t number) {
-    if (name == "sortqq_" || name == "bsearchqq_") return number > 0;
-    if (name.rfind("qsort_", 0) == 0) return number != 0;
+// Arguments a routine is documented to take on trust, or to answer by ending the process:
+// not passed. SORTQQ and BSEARCHQQ refuse counts below 1 but trust the address and count of
+// a positive one; the qsort routines hand every count to the C library's qsort as it is;
+// the PXF path routines take a non-zero ILEN as the caller gives it; IEEE_FLAGS ends the
+// process for a keyword argument longer than 20. (Bessel functions of an order in the
+// millions are only slow: the C library's recurrence takes a step per order.)
+const std::set<std::string> kIlenTrusted = {
+    "pxfaccess_", "pxfchdir_", "pxfchmod_", "pxfchown_", "pxfcreat_",  "pxflink_",  "pxfmkdir_",
+    "pxfmkfifo_", "pxfopen_",  "pxfopendir_", "pxfrename_", "pxfrmdir_", "pxfunlink_",
+};
+
+const std::set<std::string> kOrdered = {"besjn_", "besyn_", "dbesjn_", "dbesyn_"};
+
+bool outside_contract(const std::string& name, const Variant& v) {
+    if (name == "sortqq_" || name == "bsearchqq_") return v.number > 0;
+    if (name.rfind("qsort_", 0) == 0) return v.number != 0;
+    if (kIlenTrusted.count(name) != 0) return v.number > 4096;
+    if (kOrdered.count(name) != 0) return v.number > 4096;
+    if (name == "ieee_flags_") return base::signed_length(v.length) > 20 || base::signed_length(v.length) < 0;
     return false;
 }
 
@@ -127,7 +141,7 @@ int sweep_routine(const Row& row, int progress) {
     for (const Variant& v : variants()) {
         const char mark = static_cast<char>('0' + index++);
         (void)!write(progress, &mark, 1);
-        if (counts_promised(row.name, v.number)) continue;
+        if (outside_contract(row.name, v)) continue;
         Args args(v);
         row.call(args);
         if (row.check == Check::handle_refused && v.bad_handle && args.int_at(row.ierror) == 0) {
@@ -144,18 +158,22 @@ std::string describe(int status) {
     return "exit status " + std::to_string(WEXITSTATUS(status));
 }
 
-class BadInputSweep : public tarvo_test::ScratchDirTest {};
+// The rows are swept in four shards, tests of their own, so that each stays short and the
+// shards can run side by side.
+constexpr int kShards = 4;
 
-TEST_F(BadInputSweep, EveryRoutineSurvivesEveryVariant) {
+class BadInputSweep : public tarvo_test::ScratchDirTest, public ::testing::WithParamInterface<int> {};
+
+TEST_P(BadInputSweep, EveryRoutineSurvivesEveryVariant) {
     std::int32_t handle = 0, ierror = 0;
     pxfstructcreate_("stat", &handle, &ierror, 4);
     ASSERT_EQ(ierror, 0);
     pxfstructfree_(&handle, &ierror);
     stale_handle = handle;
 
-    int swept = 0;
+    int swept = 0, index = 0;
     for (const Row& row : kRows) {
-        if (kSkipped.count(row.name) != 0) continue;
+        if (index++ % kShards != GetParam() || kSkipped.count(row.name) != 0) continue;
         int pipe_fds[2];
         ASSERT_EQ(pipe(pipe_fds), 0);
         const std::string output = path(std::string("output-") + row.name);
@@ -185,8 +203,10 @@ TEST_F(BadInputSweep, EveryRoutineSurvivesEveryVariant) {
                       << describe(status) << "\n"
                       << std::string(std::istreambuf_iterator<char>(text), {});
     }
-    std::printf("%d routines swept with %zu variants each; %zu left out on purpose, %zu without a C prototype\n",
+    std::printf("%d routines swept with %zu variants each; in all shards %zu left out on purpose, %zu without a C prototype\n",
                 swept, variants().size(), kSkipped.size(), std::size(kWithoutPrototype));
 }
+
+INSTANTIATE_TEST_SUITE_P(Shards, BadInputSweep, ::testing::Range(0, kShards));
 
 }  // namespace
