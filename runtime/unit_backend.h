@@ -1,6 +1,7 @@
 // The operations each unit back end supplies (see units.h for the results).
 #pragma once
 
+#include <atomic>
 #include <climits>
 #include <cstdint>
 
@@ -27,6 +28,14 @@ struct UnitOps {
 
 const UnitOps* gfortran_unit_ops() noexcept;  // null without a gfortran run-time
 const UnitOps& native_unit_ops() noexcept;
+
+// The back end serving this process, chosen at first use; later calls read one pointer.
+extern std::atomic<const UnitOps*> chosen_unit_ops;
+const UnitOps& choose_unit_ops() noexcept;
+inline const UnitOps& unit_ops() noexcept {
+    const UnitOps* chosen = chosen_unit_ops.load(std::memory_order_acquire);
+    return chosen != nullptr ? *chosen : choose_unit_ops();
+}
 
 // Shared by both back ends.
 inline bool fits_unit_number(std::int64_t unit) noexcept { return unit >= INT32_MIN && unit <= INT32_MAX; }

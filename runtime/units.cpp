@@ -16,22 +16,7 @@
 namespace runtime {
 namespace {
 
-std::atomic<const UnitOps*> chosen_ops{nullptr};
-
-const UnitOps& choose_ops() noexcept {
-    static const UnitOps* const chosen = [] {
-        const UnitOps* g = gfortran_unit_ops();
-        return g != nullptr ? g : &native_unit_ops();
-    }();
-    chosen_ops.store(chosen, std::memory_order_release);
-    return *chosen;
-}
-
-// The back end, chosen at first use; later calls read one pointer.
-inline const UnitOps& ops() noexcept {
-    const UnitOps* chosen = chosen_ops.load(std::memory_order_acquire);
-    return chosen != nullptr ? *chosen : choose_ops();
-}
+inline const UnitOps& ops() noexcept { return unit_ops(); }
 
 // Stores the name of the file behind a descriptor, as the kernel reports it.
 void store_descriptor_name(int fd, char* name, std::int32_t* name_length) noexcept {
@@ -81,6 +66,17 @@ std::atomic<std::int32_t> posix_io_flag{0};
 
 }  // namespace
 
+std::atomic<const UnitOps*> chosen_unit_ops{nullptr};
+
+const UnitOps& choose_unit_ops() noexcept {
+    static const UnitOps* const chosen = [] {
+        const UnitOps* g = gfortran_unit_ops();
+        return g != nullptr ? g : &native_unit_ops();
+    }();
+    chosen_unit_ops.store(chosen, std::memory_order_release);
+    return *chosen;
+}
+
 int negated_errno_or(int fallback) noexcept { return -(errno != 0 ? errno : fallback); }
 
 int read_one_byte(int fd) noexcept {
@@ -116,15 +112,10 @@ int __quenvatix_d_readchar(std::int64_t unit) noexcept {
     return result < 0 ? result : static_cast<unsigned char>(c);
 }
 
-int read_char_into(std::int64_t unit, char* dest) noexcept { return ops().read_char(unit, dest); }
 
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept {
     const char c = static_cast<char>(ch);
     return write_char_from(unit, &c);
-}
-
-int write_char_from(std::int64_t unit, const char* ch) noexcept {
-    return ops().write_char(unit, ch);
 }
 
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept {

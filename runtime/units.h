@@ -18,6 +18,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "runtime/unit_backend.h"
+
 namespace runtime {
 
 constexpr int kEndOfFile = -2;
@@ -28,10 +30,11 @@ constexpr int kEndOfFile = -2;
 int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_length) noexcept;
 int __quenvatix_d_readchar(std::int64_t unit) noexcept;
 // The same read into *dest: 0 for a byte read, else the negative result (*dest unchanged).
-int read_char_into(std::int64_t unit, char* dest) noexcept;
+// Inline, as the routines that move one character per call use it: one indirect call.
+inline int read_char_into(std::int64_t unit, char* dest) noexcept { return unit_ops().read_char(unit, dest); }
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept;
 // The same write of the byte at *ch.
-int write_char_from(std::int64_t unit, const char* ch) noexcept;
+inline int write_char_from(std::int64_t unit, const char* ch) noexcept { return unit_ops().write_char(unit, ch); }
 int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
 std::int64_t __quenvatix_d_curpos(std::int64_t unit) noexcept;
