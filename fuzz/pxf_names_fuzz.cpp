@@ -79,36 +79,29 @@ std::int32_t instance_of(std::size_t type) {
     return handles[type];
 }
 
+// Stores a number in the field NAME (t) and reads it back under the other spelling (again):
+// either the field is unknown (ENONAME) or the number comes back.
+template <class T, class Set, class Get>
+void round_trip(Set set, Get get, std::int32_t handle, const Text& t, const Text& again, T stored) {
+    std::int32_t error = 0;
+    set(&handle, t.p, &stored, &error, t.n);
+    if (error != 0) {
+        FUZZ_CHECK(error == TARVO_ENONAME);
+        return;
+    }
+    T read = 0;
+    get(&handle, again.p, &read, &error, again.n);
+    FUZZ_CHECK(error == 0 && read == stored);
+}
+
 void check_field(std::size_t type, unsigned accessor, const std::string& name) {
     const std::int32_t handle = instance_of(type);
     const Text t(name);
     const Text again(recased(name));
     std::int32_t error = 0;
     switch (accessor) {
-    case 0: {
-        const std::int32_t stored = 0x1234567;
-        pxfintset_(&handle, t.p, &stored, &error, t.n);
-        if (error != 0) {
-            FUZZ_CHECK(error == TARVO_ENONAME);
-            return;
-        }
-        std::int32_t read = 0;
-        pxfintget_(&handle, again.p, &read, &error, again.n);
-        FUZZ_CHECK(error == 0 && read == stored);
-        return;
-    }
-    case 1: {
-        const std::int64_t stored = -0x1234567;  // fits the 4-byte fields too
-        pxfint8set_(&handle, t.p, &stored, &error, t.n);
-        if (error != 0) {
-            FUZZ_CHECK(error == TARVO_ENONAME);
-            return;
-        }
-        std::int64_t read = 0;
-        pxfint8get_(&handle, again.p, &read, &error, again.n);
-        FUZZ_CHECK(error == 0 && read == stored);
-        return;
-    }
+    case 0: return round_trip(pxfintset_, pxfintget_, handle, t, again, std::int32_t{0x1234567});
+    case 1: return round_trip(pxfint8set_, pxfint8get_, handle, t, again, std::int64_t{-0x1234567});  // fits 4-byte fields too
     default: {
         const std::int32_t length = 3;
         pxfstrset_(&handle, t.p, "abc", &length, &error, t.n, 3);
