@@ -65,13 +65,14 @@ def row(name, params):
     parts = split_params(params)
     names = [re.search(r"(\w+)$", p).group(1) if "(*" not in p else "" for p in parts]
     args = ", ".join(argument(p, names) for p in parts)
-    flags = []
     if names and names[0] == "jhandle" and "ierror" in names:
-        flags.append(f"Check::handle_refused, {names.index('ierror')}")
+        check = f"Check::handle_refused, {names.index('ierror')}"
     else:
-        flags.append("Check::no_crash, -1")
+        check = "Check::no_crash, -1"
+    # Structure, directory and procedure handles: JHANDLE, JSTAT, ... and IDIRID.
+    handles = "true" if any(re.fullmatch(r"j\w+|idirid", n) for n in names) else "false"
     receiver = "Args& a" if args else "Args&"
-    return f'{{"{name}", {flags[0]}, []({receiver}) {{ {name}({args}); }}}},'
+    return f'{{"{name}", {check}, {handles}, []({receiver}) {{ {name}({args}); }}}},'
 
 
 def main():
