@@ -146,7 +146,12 @@ void write_accessor(std::FILE* out, const char* c_name, const char* form_name, c
     const std::string name(c_name, std::strlen(c_name) - 1);  // less the trailing underscore
     std::fprintf(out, "    subroutine %s(jhandle, compname, %s)\n", name.c_str(), form.arguments);
     std::fprintf(out, "      integer(4), intent(in) :: jhandle\n      character(len=*), intent(in) :: compname\n");
-    std::fprintf(out, form.declarations, type);
+    // A SET form only reads its arguments, so a constant may be passed.
+    std::string declarations(form.declarations);
+    if (name.size() > 3 && name.compare(name.size() - 3, 3, "set") == 0)
+        for (std::size_t at; (at = declarations.find("intent(inout)")) != std::string::npos;)
+            declarations.replace(at, 13, "intent(in)");
+    std::fprintf(out, declarations.c_str(), type);
     std::fprintf(out, "      integer(4), intent(out) :: ierror\n    end subroutine %s\n", name.c_str());
 }
 

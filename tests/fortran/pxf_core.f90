@@ -51,6 +51,9 @@ program pxf_core
   call check_int('callsubhandle', ival, 42)
   call pxfdblget(jstat, 'st_size', d, ierror)
   call check_int('pxfdblget', ierror, ENONAME)
+  ! The SET forms take constants (their arguments are INTENT(IN)).
+  call pxfdblset(jstat, 'st_size', 1.0d0, ierror)
+  call check_int('pxfdblset of a constant', ierror, ENONAME)
 
   call pxfstructfree(jgroup, ierror)
   call pxfstructfree(jterm, ierror)
