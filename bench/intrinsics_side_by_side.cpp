@@ -21,37 +21,19 @@
 #include <tarvo/portlib.h>
 #include <tarvo/qq.h>
 
+// The same Fortran loops around gfortran's intrinsics (g_*) and the library's routines (l_*).
+#define BOTH_SIDES(name, ...) void g_##name(__VA_ARGS__); void l_##name(__VA_ARGS__);
 extern "C" {
-void g_set_path(const char* text, int n);
+BOTH_SIDES(set_path, const char* text, int n)
 int g_open(int unit, const char* text, int n, int mode);
 void g_close(int unit);
-void g_access(int n);
-void g_stat(int n);
-void g_lstat(int n);
-void g_fstat(int n, int unit);
-void g_getcwd(int n);
-void g_time(int n);
-void g_fdate(int n);
-void g_ctime(int n);
-void g_ltime(int n);
-void g_gmtime(int n);
-void g_secnds(int n);
-void g_etime(int n);
-void g_dtime(int n);
-void g_idate(int n);
-void g_itime(int n);
-void g_getpid(int n);
-void g_getuid(int n);
-void g_hostnm(int n);
-void g_getlog(int n);
-void g_getenv(int n);
-void g_fgetc(int n, int unit);
-void g_fputc(int n, int unit);
-void g_fseek(int n, int unit);
-void g_ftell(int n, int unit);
-void g_flush(int n, int unit);
-void g_isatty(int n, int unit);
-void g_ttynam(int n, int unit);
+#define TIMED(name) BOTH_SIDES(name, int n)
+#define TIMED_UNIT(name) BOTH_SIDES(name, int n, int unit)
+TIMED(access) TIMED(stat) TIMED(lstat) TIMED_UNIT(fstat) TIMED(getcwd) TIMED(time) TIMED(fdate)
+TIMED(ctime) TIMED(ltime) TIMED(gmtime) TIMED(secnds) TIMED(etime) TIMED(dtime) TIMED(idate)
+TIMED(itime) TIMED(getpid) TIMED(getuid) TIMED(hostnm) TIMED(getlog) TIMED(getenv)
+TIMED_UNIT(fgetc) TIMED_UNIT(fputc) TIMED_UNIT(fseek) TIMED_UNIT(ftell) TIMED_UNIT(flush)
+TIMED_UNIT(isatty) TIMED_UNIT(ttynam)
 }
 
 namespace {
@@ -95,8 +77,10 @@ constexpr std::int32_t kReadUnit = 41, kWriteUnit = 42, kTermUnit = 43;
 
 }  // namespace
 
+// intrinsics_bench [ROUNDS [ROUTINE...]]: every routine, or only those named.
 int main(int argc, char** argv) {
-    const int rounds = argc > 1 ? std::atoi(argv[1]) : 7;
+    const int rounds = argc > 1 ? std::max(std::atoi(argv[1]), 1) : 7;
+    const std::vector<std::string> only(argv + std::min(argc, 2), argv + argc);
     mkdir(kDir, 0755);
     if (chdir(kDir) != 0) return 1;
     {
@@ -106,6 +90,7 @@ int main(int argc, char** argv) {
         close(fd);
     }
     g_set_path(kRead, sizeof kRead - 1);
+    l_set_path(kRead, sizeof kRead - 1);
     if (g_open(kReadUnit, kRead, sizeof kRead - 1, 0) != 0) return 1;
     if (g_open(kWriteUnit, kWrite, sizeof kWrite - 1, 1) != 0) return 1;
     // A terminal for ISATTY and TTYNAM: a pseudo-terminal when one can be had.
@@ -126,53 +111,52 @@ int main(int argc, char** argv) {
 
     std::vector<Row> rows;
     auto add = [&](const char* name, Loop library, Loop intrinsic, Loop host) {
+        if (!only.empty() && std::find(only.begin(), only.end(), name) == only.end()) return;
         rows.push_back(Row{name, std::move(library), std::move(intrinsic), std::move(host)});
     };
-    add("ACCESS", [&](int n) { for (int i = 0; i < n; ++i) keep(access_(kRead, "r", sizeof kRead - 1, 1)); },
-        g_access, [&](int n) { for (int i = 0; i < n; ++i) keep(::access(kRead, R_OK)); });
-    add("STAT", [&](int n) { std::int32_t v[13]; for (int i = 0; i < n; ++i) keep(stat_(kRead, v, sizeof kRead - 1)); },
-        g_stat, [&](int n) { struct stat st{}; for (int i = 0; i < n; ++i) keep(::stat(kRead, &st)); });
-    add("LSTAT", [&](int n) { std::int32_t v[13]; for (int i = 0; i < n; ++i) keep(lstat_(kRead, v, sizeof kRead - 1)); },
-        g_lstat, [&](int n) { struct stat st{}; for (int i = 0; i < n; ++i) keep(::lstat(kRead, &st)); });
-    add("FSTAT", [&](int n) { std::int32_t v[13]; for (int i = 0; i < n; ++i) keep(fstat_(&read_unit, v)); },
-        [&](int n) { g_fstat(n, kReadUnit); },
+    add("ACCESS", l_access, g_access,
+        [&](int n) { for (int i = 0; i < n; ++i) keep(::access(kRead, R_OK)); });
+    add("STAT", l_stat, g_stat,
+        [&](int n) { struct stat st{}; for (int i = 0; i < n; ++i) keep(::stat(kRead, &st)); });
+    add("LSTAT", l_lstat, g_lstat,
+        [&](int n) { struct stat st{}; for (int i = 0; i < n; ++i) keep(::lstat(kRead, &st)); });
+    add("FSTAT", [&](int n) { l_fstat(n, kReadUnit); }, [&](int n) { g_fstat(n, kReadUnit); },
         [&](int n) { struct stat st{}; for (int i = 0; i < n; ++i) keep(::fstat(read_fd, &st)); });
-    add("GETCWD", [&](int n) { char d[1024]; for (int i = 0; i < n; ++i) keep(getcwd_(d, sizeof d)); },
-        g_getcwd, [&](int n) { char d[1024]; for (int i = 0; i < n; ++i) keep(::getcwd(d, sizeof d)); });
-    add("TIME", [&](int n) { for (int i = 0; i < n; ++i) keep(time_()); },
-        g_time, [&](int n) { for (int i = 0; i < n; ++i) keep(std::time(nullptr)); });
-    add("FDATE", [&](int n) { char d[24]; for (int i = 0; i < n; ++i) { fdate_(d, sizeof d); keep(d); } },
-        g_fdate, [&](int n) { char d[32]; for (int i = 0; i < n; ++i) { std::time_t t = std::time(nullptr); keep(ctime_r(&t, d)); } });
-    add("CTIME", [&](int n) { char d[24]; for (int i = 0; i < n; ++i) { ctime_(d, sizeof d, &stime); keep(d); } },
-        g_ctime, [&](int n) { char d[32]; std::time_t t = stime; for (int i = 0; i < n; ++i) keep(ctime_r(&t, d)); });
-    add("LTIME", [&](int n) { std::int32_t v[9]; for (int i = 0; i < n; ++i) { ltime_(&stime, v); keep(v); } },
-        g_ltime, [&](int n) { std::tm tm{}; std::time_t t = stime; for (int i = 0; i < n; ++i) keep(localtime_r(&t, &tm)); });
-    add("GMTIME", [&](int n) { std::int32_t v[9]; for (int i = 0; i < n; ++i) { gmtime_(&stime, v); keep(v); } },
-        g_gmtime, [&](int n) { std::tm tm{}; std::time_t t = stime; for (int i = 0; i < n; ++i) keep(gmtime_r(&t, &tm)); });
-    add("SECNDS", [&](int n) { const float x = 0; for (int i = 0; i < n; ++i) keep(secnds_(&x)); },
-        g_secnds, {});
-    add("ETIME", [&](int n) { float v[2]; for (int i = 0; i < n; ++i) keep(etime_(v)); },
-        g_etime, [&](int n) { rusage r{}; for (int i = 0; i < n; ++i) keep(getrusage(RUSAGE_SELF, &r)); });
-    add("DTIME", [&](int n) { float v[2]; for (int i = 0; i < n; ++i) keep(dtime_(v)); },
-        g_dtime, [&](int n) { rusage r{}; for (int i = 0; i < n; ++i) keep(getrusage(RUSAGE_SELF, &r)); });
-    add("IDATE", [&](int n) { std::int32_t v[3]; for (int i = 0; i < n; ++i) { idate_(v); keep(v); } },
-        g_idate, [&](int n) { std::tm tm{}; for (int i = 0; i < n; ++i) { std::time_t t = std::time(nullptr); keep(localtime_r(&t, &tm)); } });
-    add("ITIME", [&](int n) { std::int32_t v[3]; for (int i = 0; i < n; ++i) { itime_(v); keep(v); } },
-        g_itime, [&](int n) { std::tm tm{}; for (int i = 0; i < n; ++i) { std::time_t t = std::time(nullptr); keep(localtime_r(&t, &tm)); } });
-    add("GETPID", [&](int n) { for (int i = 0; i < n; ++i) keep(getpid_()); },
-        g_getpid, [&](int n) { for (int i = 0; i < n; ++i) keep(::getpid()); });
-    add("GETUID", [&](int n) { for (int i = 0; i < n; ++i) keep(getuid_()); },
-        g_getuid, [&](int n) { for (int i = 0; i < n; ++i) keep(::getuid()); });
-    add("HOSTNM", [&](int n) { char h[256]; for (int i = 0; i < n; ++i) keep(hostnm_(h, sizeof h)); },
-        g_hostnm, [&](int n) { char h[256]; for (int i = 0; i < n; ++i) keep(gethostname(h, sizeof h)); });
-    add("GETLOG", [&](int n) { char u[64]; for (int i = 0; i < n; ++i) { getlog_(u, sizeof u); keep(u); } },
-        g_getlog, [&](int n) {
+    add("GETCWD", l_getcwd, g_getcwd,
+        [&](int n) { char d[1024]; for (int i = 0; i < n; ++i) keep(::getcwd(d, sizeof d)); });
+    add("TIME", l_time, g_time,
+        [&](int n) { for (int i = 0; i < n; ++i) keep(std::time(nullptr)); });
+    add("FDATE", l_fdate, g_fdate,
+        [&](int n) { char d[32]; for (int i = 0; i < n; ++i) { std::time_t t = std::time(nullptr); keep(ctime_r(&t, d)); } });
+    add("CTIME", l_ctime, g_ctime,
+        [&](int n) { char d[32]; std::time_t t = stime; for (int i = 0; i < n; ++i) keep(ctime_r(&t, d)); });
+    add("LTIME", l_ltime, g_ltime,
+        [&](int n) { std::tm tm{}; std::time_t t = stime; for (int i = 0; i < n; ++i) keep(localtime_r(&t, &tm)); });
+    add("GMTIME", l_gmtime, g_gmtime,
+        [&](int n) { std::tm tm{}; std::time_t t = stime; for (int i = 0; i < n; ++i) keep(gmtime_r(&t, &tm)); });
+    add("SECNDS", l_secnds, g_secnds, {});
+    add("ETIME", l_etime, g_etime,
+        [&](int n) { rusage r{}; for (int i = 0; i < n; ++i) keep(getrusage(RUSAGE_SELF, &r)); });
+    add("DTIME", l_dtime, g_dtime,
+        [&](int n) { rusage r{}; for (int i = 0; i < n; ++i) keep(getrusage(RUSAGE_SELF, &r)); });
+    add("IDATE", l_idate, g_idate,
+        [&](int n) { std::tm tm{}; for (int i = 0; i < n; ++i) { std::time_t t = std::time(nullptr); keep(localtime_r(&t, &tm)); } });
+    add("ITIME", l_itime, g_itime,
+        [&](int n) { std::tm tm{}; for (int i = 0; i < n; ++i) { std::time_t t = std::time(nullptr); keep(localtime_r(&t, &tm)); } });
+    add("GETPID", l_getpid, g_getpid,
+        [&](int n) { for (int i = 0; i < n; ++i) keep(::getpid()); });
+    add("GETUID", l_getuid, g_getuid,
+        [&](int n) { for (int i = 0; i < n; ++i) keep(::getuid()); });
+    add("HOSTNM", l_hostnm, g_hostnm,
+        [&](int n) { char h[256]; for (int i = 0; i < n; ++i) keep(gethostname(h, sizeof h)); });
+    add("GETLOG", l_getlog, g_getlog,
+        [&](int n) {
             char buffer[1024];
             passwd pw{}, *found = nullptr;
             for (int i = 0; i < n; ++i) keep(getpwuid_r(::getuid(), &pw, buffer, sizeof buffer, &found));
         });
-    add("GETENV", [&](int n) { char v[256]; for (int i = 0; i < n; ++i) { getenv_("HOME", v, 4, sizeof v); keep(v); } },
-        g_getenv, [&](int n) {
+    add("GETENV", l_getenv, g_getenv,
+        [&](int n) {
             char v[256];
             for (int i = 0; i < n; ++i) {
                 const char* s = std::getenv("HOME");
@@ -182,25 +166,18 @@ int main(int argc, char** argv) {
                 keep(v);
             }
         });
-    add("FGETC", [&](int n) { char c; for (int i = 0; i < n; ++i) if (fgetc_(&read_unit, &c, 1) != 0) fseek_(&read_unit, &zero, &zero); },
-        [&](int n) { g_fgetc(n, kReadUnit); },
+    add("FGETC", [&](int n) { l_fgetc(n, kReadUnit); }, [&](int n) { g_fgetc(n, kReadUnit); },
         [&](int n) { char c; for (int i = 0; i < n; ++i) if (read(read_fd, &c, 1) != 1) lseek(read_fd, 0, SEEK_SET); });
-    add("FPUTC", [&](int n) { for (int i = 0; i < n; ++i) keep(fputc_(&write_unit, "x", 1)); },
-        [&](int n) { g_fputc(n, kWriteUnit); },
+    add("FPUTC", [&](int n) { l_fputc(n, kWriteUnit); }, [&](int n) { g_fputc(n, kWriteUnit); },
         [&](int n) { for (int i = 0; i < n; ++i) keep(write(write_fd, "x", 1)); });
-    add("FSEEK", [&](int n) { for (int i = 0; i < n; ++i) keep(fseek_(&read_unit, &seven, &zero)); },
-        [&](int n) { g_fseek(n, kReadUnit); },
+    add("FSEEK", [&](int n) { l_fseek(n, kReadUnit); }, [&](int n) { g_fseek(n, kReadUnit); },
         [&](int n) { for (int i = 0; i < n; ++i) keep(lseek(read_fd, 7, SEEK_SET)); });
-    add("FTELL", [&](int n) { for (int i = 0; i < n; ++i) keep(ftell_(&read_unit)); },
-        [&](int n) { g_ftell(n, kReadUnit); },
+    add("FTELL", [&](int n) { l_ftell(n, kReadUnit); }, [&](int n) { g_ftell(n, kReadUnit); },
         [&](int n) { for (int i = 0; i < n; ++i) keep(lseek(read_fd, 0, SEEK_CUR)); });
-    add("FLUSH", [&](int n) { for (int i = 0; i < n; ++i) keep(flush_(&write_unit)); },
-        [&](int n) { g_flush(n, kWriteUnit); }, {});
-    add("ISATTY", [&](int n) { for (int i = 0; i < n; ++i) keep(isatty_(&term_unit)); },
-        [&](int n) { g_isatty(n, term_unit); },
+    add("FLUSH", [&](int n) { l_flush(n, kWriteUnit); }, [&](int n) { g_flush(n, kWriteUnit); }, {});
+    add("ISATTY", [&](int n) { l_isatty(n, term_unit); }, [&](int n) { g_isatty(n, term_unit); },
         [&](int n) { for (int i = 0; i < n; ++i) keep(::isatty(term_fd)); });
-    add("TTYNAM", [&](int n) { char t[64]; for (int i = 0; i < n; ++i) { ttynam_(t, sizeof t, &term_unit); keep(t); } },
-        [&](int n) { g_ttynam(n, term_unit); },
+    add("TTYNAM", [&](int n) { l_ttynam(n, term_unit); }, [&](int n) { g_ttynam(n, term_unit); },
         [&](int n) { char t[64]; for (int i = 0; i < n; ++i) keep(ttyname_r(term_fd, t, sizeof t)); });
     // No intrinsic: against the working directory and a concatenation.
     add("FULLPATHQQ", [&](int n) { char p[1024]; for (int i = 0; i < n; ++i) keep(fullpathqq_("no-such-name", p, 12, sizeof p)); },

@@ -100,4 +100,4 @@ extern "C" TARVO_API std::int64_t getposi8_(const std::int32_t* unit) noexcept {
 }
 
 // SUBROUTINE FLUSH(IUNIT) -- FLUSHQQ's result: non-zero when the unit was flushed
-extern "C" TARVO_API std::int32_t flush_(const std::int32_t* unit) noexcept { return flushqq_(unit); }
+extern "C" TARVO_API std::int32_t flush_(const std::int32_t* unit) noexcept { return runtime::flushed(unit); }

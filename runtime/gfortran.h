@@ -55,7 +55,7 @@ struct GfortranRuntime {
     int (*fputc)(const std::int32_t* unit, char* c, std::size_t c_len);
     void (*fseek_sub)(std::int32_t* unit, std::int64_t* offset, std::int32_t* whence, std::int32_t* status);
     std::int64_t (*ftell)(std::int32_t* unit);
-    void (*flush_i4)(std::int32_t* unit);
+    void (*flush_i4)(const std::int32_t* unit);  // null: every unit
     void (*st_open)(GfortranOpenBlock* block);
     void (*st_close)(void* block);
     void (*exit_i4)(std::int32_t* status);

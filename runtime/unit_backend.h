@@ -7,6 +7,8 @@
 
 namespace runtime {
 
+constexpr int kEndOfFile = -2;  // what reading one character gives at the end of the file
+
 // What a descriptor attached to a unit is opened for.
 struct UnitAccess {
     bool read;

@@ -12,78 +12,29 @@
 #include "base/export.h"
 #include "runtime/gfortran.h"
 #include "runtime/unit_backend.h"
+#include "runtime/unit_gfortran.h"
 #include "runtime/units.h"
 
 namespace runtime {
-namespace {
+namespace gfortran_units {
 
-const GfortranRuntime* rt;  // set once, before these operations are handed out
-
-// What is known about connected units: the descriptor, and once asked, whether it can seek
-// (gfortran keeps its own position for units on pipes and terminals and would report a
-// seek there as done; the descriptor tells the truth, as it does in the native back end).
-// An entry lives as long as the connection: every OPEN and CLOSE empties the cache.
-//
-// A slot holds unit << 32 | descriptor << 10 | state << 1 | 1, state being 0 for a
-// descriptor that can seek, the error number lseek gave, or kUnknown; 0 is a free slot.
-// A slot filled while an OPEN or CLOSE ran is emptied again.
-class UnitCache {
-public:
-    static constexpr unsigned kUnknown = 511;
-    static constexpr int kFdLimit = 1 << 22;
-    struct Entry {
-        int fd;
-        unsigned state;
-    };
-
-    bool find(std::int32_t unit, Entry& entry) const noexcept {
-        const std::uint64_t v = slot_of(unit).load(std::memory_order_acquire);
-        if (v == 0 || static_cast<std::uint32_t>(v >> 32) != static_cast<std::uint32_t>(unit)) return false;
-        entry = {static_cast<int>((v >> 10) & (kFdLimit - 1)), static_cast<unsigned>((v >> 1) & 511)};
-        return true;
-    }
-
-    std::uint32_t generation() const noexcept { return generation_.load(std::memory_order_acquire); }
-
-    void remember(std::int32_t unit, Entry entry, std::uint32_t seen) noexcept {
-        if (entry.fd < 0 || entry.fd >= kFdLimit || entry.state > kUnknown) return;
-        const std::uint64_t v = (std::uint64_t{static_cast<std::uint32_t>(unit)} << 32) |
-                                (std::uint64_t{static_cast<std::uint32_t>(entry.fd)} << 10) | (entry.state << 1) | 1u;
-        std::atomic<std::uint64_t>& slot = slot_of(unit);  // whatever it held is replaced
-        slot.store(v, std::memory_order_release);
-        std::uint64_t expected = v;
-        if (generation() != seen) slot.compare_exchange_strong(expected, 0, std::memory_order_acq_rel);
-    }
-
-    void forget_all() noexcept {
-        generation_.fetch_add(1, std::memory_order_acq_rel);
-        for (auto& slot : slots_) slot.store(0, std::memory_order_release);
-    }
-
-private:
-    // Each unit has one slot, so a look-up is one load; two units sharing a slot only take
-    // turns in it.
-    static constexpr unsigned kSlots = 64;
-    std::atomic<std::uint64_t>& slot_of(std::int32_t unit) noexcept {
-        return slots_[static_cast<std::uint32_t>(unit) % kSlots];
-    }
-    const std::atomic<std::uint64_t>& slot_of(std::int32_t unit) const noexcept {
-        return slots_[static_cast<std::uint32_t>(unit) % kSlots];
-    }
-    std::atomic<std::uint64_t> slots_[kSlots] = {};
-    std::atomic<std::uint32_t> generation_{0};
-};
-
+std::atomic<const GfortranRuntime*> serving{nullptr};
 UnitCache unit_cache;
 
-int descriptor(std::int64_t unit);
+}  // namespace gfortran_units
+
+namespace {
+
+using namespace gfortran_units;
+
+const GfortranRuntime* rt;  // set once, before these operations are handed out
 
 // Whether OPEN and CLOSE in every Fortran caller reach the wrappers at the end of this file:
 // only then can the cache be trusted. Otherwise every call asks gfortran and lseek.
 bool wrappers_bound() noexcept {
     static const bool bound = [] {
         Dl_info ours{}, open{}, close{};
-        const bool ok = dladdr(reinterpret_cast<void*>(&descriptor), &ours) != 0 &&
+        const bool ok = dladdr(reinterpret_cast<void*>(&ask_descriptor), &ours) != 0 &&
                         dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_open"), &open) != 0 &&
                         dladdr(dlsym(RTLD_DEFAULT, "_gfortran_st_close"), &close) != 0;
         return ok && open.dli_fbase == ours.dli_fbase && close.dli_fbase == ours.dli_fbase;
@@ -124,65 +75,40 @@ private:
 
 NewUnits new_units;
 
-bool askable(std::int64_t unit) noexcept {
-    if (unit >= 0) return unit <= INT32_MAX;
+}  // namespace
+
+bool gfortran_units::askable_negative(std::int64_t unit) noexcept {
     return unit <= kFirstNewUnit && (new_units.contains(unit) || (unit >= INT32_MIN && !wrappers_bound()));
 }
 
-// Asks gfortran for the unit's descriptor and remembers it.
-[[gnu::noinline]] int ask_descriptor(std::int32_t unit) {
+int gfortran_units::ask_descriptor(std::int32_t unit) noexcept {
     const std::uint32_t seen = unit_cache.generation();
     const int fd = rt->fnum_i4(&unit);
     if (fd >= 0 && wrappers_bound()) unit_cache.remember(unit, {fd, UnitCache::kUnknown}, seen);
     return fd;
 }
 
-[[gnu::always_inline]] inline int descriptor(std::int64_t unit) {
-    if (!askable(unit)) return -1;
-    UnitCache::Entry entry{};
-    // The cache is only ever filled when wrappers_bound().
-    if (unit_cache.find(static_cast<std::int32_t>(unit), entry)) return entry.fd;
-    return ask_descriptor(static_cast<std::int32_t>(unit));
-}
-
-int flush(std::int64_t unit) {
-    const int fd = descriptor(unit);
-    if (fd < 0) return -1;
-    auto u = static_cast<std::int32_t>(unit);
-    rt->flush_i4(&u);
-    return fd;
-}
-
-// gfortran answers -1 both at end of file and for a unit that is not connected, and the
-// same for a failed write (errno, cleared before the call, tells an error apart): only
-// then is the unit looked up a second time. Kept out of line so that the common path
-// needs no saved registers.
-[[gnu::noinline, gnu::cold]] int transfer_failed(std::int32_t unit, int without_error) {
+int gfortran_units::transfer_failed(std::int32_t unit, int without_error) noexcept {
     const int error = errno;
     if (descriptor(unit) < 0) return -EBADF;
     return error != 0 ? -error : without_error;
 }
 
-// gfortran reads straight into the caller's byte, which it blanks first: on failure the
-// byte gets back what it held, so a failed read leaves it as it was.
-int read_char(std::int64_t unit, char* dest) {
-    if (!askable(unit)) return -EBADF;
-    auto u = static_cast<std::int32_t>(unit);
-    const char before = *dest;
-    errno = 0;
-    if (rt->fgetc(&u, dest, 1) == 0) return 0;
-    *dest = before;
-    return transfer_failed(u, kEndOfFile);
+int gfortran_units::flush(const GfortranRuntime& run_time, std::int64_t unit) noexcept {
+    const int fd = descriptor(unit);
+    if (fd < 0) return -1;
+    const auto u = static_cast<std::int32_t>(unit);
+    run_time.flush_i4(&u);
+    return fd;
 }
 
-int write_char(std::int64_t unit, const char* ch) {
-    if (!askable(unit)) return -EBADF;
-    auto u = static_cast<std::int32_t>(unit);
-    errno = 0;
-    // gfortran only reads the character it is given.
-    if (rt->fputc(&u, const_cast<char*>(ch), 1) == 0) return 0;
-    return transfer_failed(u, -EIO);
-}
+namespace {
+
+// The table's forms of the inline operations.
+int descriptor_of(std::int64_t unit) { return descriptor(unit); }
+int flush_of(std::int64_t unit) { return flush(*rt, unit); }
+int read_char_of(std::int64_t unit, char* dest) { return read_char(*rt, unit, dest); }
+int write_char_of(std::int64_t unit, const char* ch) { return write_char(*rt, unit, ch); }
 
 // Asks the descriptor (fd, or the unit's if unknown) whether it can seek, and remembers it.
 [[gnu::noinline]] int learn_seek_state(std::int32_t unit, int fd, std::uint32_t seen) {
@@ -274,13 +200,15 @@ int attach(int fd, std::int32_t unit, UnitAccess access) {
 
 void flush_all() { rt->flush_i4(nullptr); }
 
-constexpr UnitOps kGfortranOps = {descriptor, flush, read_char, write_char, seek, position, attach, flush_all};
+constexpr UnitOps kGfortranOps = {descriptor_of, flush_of, read_char_of, write_char_of, seek, position, attach, flush_all};
 
 }  // namespace
 
 const UnitOps* gfortran_unit_ops() noexcept {
     rt = gfortran_runtime();
-    return rt != nullptr ? &kGfortranOps : nullptr;
+    if (rt == nullptr) return nullptr;
+    serving.store(rt, std::memory_order_release);
+    return &kGfortranOps;
 }
 
 }  // namespace runtime
@@ -302,19 +230,19 @@ F next_definition(const char* name) noexcept {
 
 extern "C" TARVO_API void _gfortran_st_open(runtime::GfortranOpenBlock* block) noexcept {
     static const auto real = runtime::next_definition<void (*)(runtime::GfortranOpenBlock*)>("_gfortran_st_open");
-    runtime::unit_cache.forget_all();
+    runtime::gfortran_units::unit_cache.forget_all();
     real(block);
     if ((block->flags & runtime::kOpenHasNewunit) != 0 && (block->flags & runtime::kStatementOutcome) == 0 &&
         block->newunit != nullptr)
         runtime::new_units.set(*block->newunit, true);
-    runtime::unit_cache.forget_all();
+    runtime::gfortran_units::unit_cache.forget_all();
 }
 
 // The CLOSE block starts as the OPEN block does (flags, unit, ...).
 extern "C" TARVO_API void _gfortran_st_close(runtime::GfortranOpenBlock* block) noexcept {
     static const auto real = runtime::next_definition<void (*)(runtime::GfortranOpenBlock*)>("_gfortran_st_close");
-    runtime::unit_cache.forget_all();
+    runtime::gfortran_units::unit_cache.forget_all();
     real(block);
     if (block->unit < 0 && (block->flags & runtime::kStatementOutcome) == 0) runtime::new_units.set(block->unit, false);
-    runtime::unit_cache.forget_all();
+    runtime::gfortran_units::unit_cache.forget_all();
 }

@@ -108,7 +108,7 @@ int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_le
 
 int __quenvatix_d_readchar(std::int64_t unit) noexcept {
     char c = 0;
-    const int result = ops().read_char(unit, &c);
+    const int result = read_char_into(unit, &c);
     return result < 0 ? result : static_cast<unsigned char>(c);
 }
 
@@ -159,7 +159,7 @@ int flushed_descriptor(const std::int32_t* unit) noexcept {
 
 // SUBROUTINE FLUSHQQ(IUNIT)
 extern "C" TARVO_API std::int32_t flushqq_(const std::int32_t* unit) noexcept {
-    return flushed_descriptor(unit) >= 0 ? 1 : 0;
+    return runtime::flushed(unit);
 }
 
 // LOGICAL(4) FUNCTION COMMITQQ(IUNIT) -- flush, then commit to storage. Descriptors that

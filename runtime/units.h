@@ -19,10 +19,9 @@
 #include <cstdint>
 
 #include "runtime/unit_backend.h"
+#include "runtime/unit_gfortran.h"
 
 namespace runtime {
-
-constexpr int kEndOfFile = -2;
 
 // The unit's descriptor (pending output flushed first), or -1. When name is not null,
 // *name_length holds its capacity on entry and the length of the unit's file name on
@@ -30,11 +29,28 @@ constexpr int kEndOfFile = -2;
 int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_length) noexcept;
 int __quenvatix_d_readchar(std::int64_t unit) noexcept;
 // The same read into *dest: 0 for a byte read, else the negative result (*dest unchanged).
-// Inline, as the routines that move one character per call use it: one indirect call.
-inline int read_char_into(std::int64_t unit, char* dest) noexcept { return unit_ops().read_char(unit, dest); }
+// This, the write below and FLUSHQQ's flush are inline, as routines doing one of them per
+// call use them: with the gfortran back end serving, they reach its entry point with one
+// indirect call.
+inline int read_char_into(std::int64_t unit, char* dest) noexcept {
+    if (const GfortranRuntime* rt = gfortran_units::serving.load(std::memory_order_acquire))
+        return gfortran_units::read_char(*rt, unit, dest);
+    return unit_ops().read_char(unit, dest);
+}
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept;
 // The same write of the byte at *ch.
-inline int write_char_from(std::int64_t unit, const char* ch) noexcept { return unit_ops().write_char(unit, ch); }
+inline int write_char_from(std::int64_t unit, const char* ch) noexcept {
+    if (const GfortranRuntime* rt = gfortran_units::serving.load(std::memory_order_acquire))
+        return gfortran_units::write_char(*rt, unit, ch);
+    return unit_ops().write_char(unit, ch);
+}
+// FLUSHQQ's result: 1 when UNIT is connected and was flushed, else 0.
+inline std::int32_t flushed(const std::int32_t* unit) noexcept {
+    if (unit == nullptr) return 0;
+    if (const GfortranRuntime* rt = gfortran_units::serving.load(std::memory_order_acquire))
+        return gfortran_units::flush_connected(*rt, unit) ? 1 : 0;
+    return unit_ops().flush(*unit) >= 0 ? 1 : 0;
+}
 int __quenvatix_d_fseek(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
 int __quenvatix_d_fseek_i8(std::int64_t unit, std::int64_t offset, std::int64_t origin) noexcept;
 std::int64_t __quenvatix_d_curpos(std::int64_t unit) noexcept;

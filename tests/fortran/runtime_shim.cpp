@@ -4,8 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <thread>
 
 #include "runtime/cmdline.h"
 #include "runtime/process.h"
@@ -53,4 +55,6 @@ int tarvo_t_pipe_with(const char* text) {
     return p[0];
 }
 int tarvo_t_close(int fd) { return close(fd); }
+void tarvo_t_set_errno(int value) { errno = value; }
+void tarvo_t_in_new_thread(void (*body)()) { std::thread(body).join(); }
 }

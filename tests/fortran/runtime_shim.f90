@@ -70,5 +70,13 @@ module runtime_shim
       import
       character(kind=c_char), dimension(*) :: message
     end subroutine
+    subroutine set_errno(value) bind(c, name='tarvo_t_set_errno')
+      import
+      integer(c_int), value :: value
+    end subroutine
+    subroutine in_new_thread(body) bind(c, name='tarvo_t_in_new_thread')
+      import
+      type(c_funptr), value :: body
+    end subroutine
   end interface
 end module runtime_shim

@@ -7,6 +7,7 @@ program unit_bridge
   integer :: fd, n, ios
   character(len=80) :: line, arg
   character(len=2) :: short
+  integer :: thread_reads(3)
 
   call check_int('gfortran back end chosen', backend_is_gfortran(), 1)
 
@@ -110,6 +111,19 @@ program unit_bridge
   close (24)
   close (25, status='delete')
 
+  ! Each thread clears its own errno before a read: an error left over in a new thread does
+  ! not make the end of the file an error, in the main thread or in the new one.
+  open (26, file='one.txt', status='replace', access='stream')
+  write (26) 'x'
+  call check_int('seek to the start', fseek_unit(26, 0_8, 0), 0)
+  call set_errno(5)
+  call check_int('a character', readchar(26), ichar('x'))
+  call check_int('end of file with an old error about', readchar(26), -2)
+  call check_int('seek to the start again', fseek_unit(26, 0_8, 0), 0)
+  call in_new_thread(c_funloc(read_in_thread))
+  call check_true('the same in a new thread', all(thread_reads == [ichar('x'), -2, -2]))
+  close (26, status='delete')
+
   ! Attaching checks its arguments.
   call check_int('fdopen of a bad descriptor', fdopen_unit(-1, 23, 'r' // c_null_char), 9)
   fd = c_open('/dev/null' // c_null_char, 0, 0)
@@ -128,4 +142,13 @@ program unit_bridge
   call check_int('getarg of a missing word', getarg_len(5, line, len(line)), -1)
 
   call checks_done('unit_bridge')
+contains
+  subroutine read_in_thread() bind(c)
+    call set_errno(5)
+    thread_reads(1) = readchar(26)
+    call set_errno(5)
+    thread_reads(2) = readchar(26)
+    call set_errno(5)
+    thread_reads(3) = readchar(26)
+  end subroutine
 end program unit_bridge
