@@ -1,13 +1,30 @@
 ! The run-time's unit operations inside a gfortran program: they act on the program's own
 ! units, opened with OPEN, and a descriptor attached to a unit works with READ and WRITE.
+! Reads unit 26 three times in whatever thread calls it, each time with an old error left in
+! errno (a module procedure: an internal one would need an executable stack to be called
+! through its address).
+module reads_in_thread
+  use runtime_shim
+  implicit none
+  integer :: thread_reads(3)
+contains
+  subroutine read_in_thread() bind(c)
+    integer :: i
+    do i = 1, 3
+      call set_errno(5)
+      thread_reads(i) = readchar(26)
+    end do
+  end subroutine
+end module reads_in_thread
+
 program unit_bridge
   use runtime_shim
+  use reads_in_thread
   use tarvo_check
   implicit none
   integer :: fd, n, ios
   character(len=80) :: line, arg
   character(len=2) :: short
-  integer :: thread_reads(3)
 
   call check_int('gfortran back end chosen', backend_is_gfortran(), 1)
 
@@ -142,13 +159,4 @@ program unit_bridge
   call check_int('getarg of a missing word', getarg_len(5, line, len(line)), -1)
 
   call checks_done('unit_bridge')
-contains
-  subroutine read_in_thread() bind(c)
-    call set_errno(5)
-    thread_reads(1) = readchar(26)
-    call set_errno(5)
-    thread_reads(2) = readchar(26)
-    call set_errno(5)
-    thread_reads(3) = readchar(26)
-  end subroutine
 end program unit_bridge
