@@ -21,6 +21,16 @@ namespace {
 
 constexpr std::int32_t logical(bool value) { return value ? TARVO_TRUE : TARVO_FALSE; }
 
+// Whether a directory entry is a regular file, a symbolic link counting by its target. The
+// entry's own type answers for everything but links (and file systems that give no type),
+// so only those cost a status query.
+bool regular_file(int dir_fd, const dirent& entry) noexcept {
+    if (entry.d_type == DT_REG) return true;
+    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return false;
+    struct stat st;
+    return fstatat(dir_fd, entry.d_name, &st, 0) == 0 && S_ISREG(st.st_mode);
+}
+
 // Deletes the regular files of dir (symbolic links count by their target) whose names match
 // the pattern. Works through a descriptor of dir, so the working directory never changes.
 std::int32_t delete_matching(const char* dir, const char* pattern) noexcept {
@@ -34,8 +44,7 @@ std::int32_t delete_matching(const char* dir, const char* pattern) noexcept {
     std::int32_t count = 0;
     while (const dirent* entry = readdir(stream)) {
         if (qq::patternMatch(entry->d_name, pattern) != 0) continue;
-        struct stat st;
-        if (fstatat(fd, entry->d_name, &st, 0) != 0 || !S_ISREG(st.st_mode)) continue;
+        if (!regular_file(fd, *entry)) continue;
         if (unlinkat(fd, entry->d_name, 0) == 0) ++count;
     }
     closedir(stream);
