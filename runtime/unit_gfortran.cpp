@@ -94,6 +94,18 @@ int gfortran_units::transfer_failed(std::int32_t unit, int without_error) noexce
     return error != 0 ? -error : without_error;
 }
 
+int gfortran_units::read_char_rare(const GfortranRuntime& run_time, std::int64_t unit, char* dest) noexcept {
+    if (!askable(unit)) return -EBADF;
+    ErrnoCell::at = &errno;
+    return read_char_checked(run_time, static_cast<std::int32_t>(unit), dest, errno);
+}
+
+int gfortran_units::write_char_rare(const GfortranRuntime& run_time, std::int64_t unit, const char* ch) noexcept {
+    if (!askable(unit)) return -EBADF;
+    ErrnoCell::at = &errno;
+    return write_char_checked(run_time, static_cast<std::int32_t>(unit), ch, errno);
+}
+
 int gfortran_units::flush(const GfortranRuntime& run_time, std::int64_t unit) noexcept {
     const int fd = descriptor(unit);
     if (fd < 0) return -1;

@@ -83,13 +83,12 @@ inline bool askable(std::int64_t unit) noexcept { return unit >= 0 ? unit <= INT
 // Asks gfortran for the unit's descriptor and remembers it.
 int ask_descriptor(std::int32_t unit) noexcept;
 
-// errno of the calling thread. Its address is kept per thread, so that clearing errno on
-// the per-call paths below is one store rather than a call into the C library.
-inline int& errno_cell() noexcept {
-    [[gnu::tls_model("initial-exec")]] static thread_local int* cell = nullptr;
-    if (cell == nullptr) [[unlikely]] cell = &errno;
-    return *cell;
-}
+// The address of the calling thread's errno once a transfer below has run in the thread,
+// else null: with it, clearing errno on the per-call paths is one store rather than a call
+// into the C library.
+struct ErrnoCell {
+    [[gnu::tls_model("initial-exec")]] static inline thread_local int* at = nullptr;
+};
 
 // The unit's descriptor, or -1 when it is not connected.
 inline int descriptor(std::int64_t unit) noexcept {
@@ -108,22 +107,38 @@ inline int descriptor(std::int64_t unit) noexcept {
 
 // gfortran reads straight into the caller's byte. It first blanks as many bytes as the
 // length it is given says: given 0, it blanks none, so a failed read leaves the byte as it
-// was (it still reads one byte).
+// was (it still reads one byte). The unit is one gfortran may be asked about, and error is
+// the calling thread's errno.
+inline int read_char_checked(const GfortranRuntime& rt, std::int32_t unit, char* dest, int& error) noexcept {
+    error = 0;
+    if (rt.fgetc(&unit, dest, 0) == 0) [[likely]] return 0;
+    return transfer_failed(unit, kEndOfFile);
+}
+
+inline int write_char_checked(const GfortranRuntime& rt, std::int32_t unit, const char* ch, int& error) noexcept {
+    error = 0;
+    // gfortran only reads the character it is given.
+    if (rt.fputc(&unit, const_cast<char*>(ch), 1) == 0) [[likely]] return 0;
+    return transfer_failed(unit, -EIO);
+}
+
+// The same for a negative unit or one beyond INTEGER(4), or the first transfer in a thread.
+// Out of line, as are the failure paths, so that the common path saves no registers.
+int read_char_rare(const GfortranRuntime& rt, std::int64_t unit, char* dest) noexcept;
+int write_char_rare(const GfortranRuntime& rt, std::int64_t unit, const char* ch) noexcept;
+
+inline bool common_case(std::int64_t unit) noexcept {
+    return static_cast<std::uint64_t>(unit) <= INT32_MAX && ErrnoCell::at != nullptr;
+}
+
 inline int read_char(const GfortranRuntime& rt, std::int64_t unit, char* dest) noexcept {
-    if (!askable(unit)) return -EBADF;
-    const auto u = static_cast<std::int32_t>(unit);
-    errno_cell() = 0;
-    if (rt.fgetc(&u, dest, 0) == 0) [[likely]] return 0;
-    return transfer_failed(u, kEndOfFile);
+    if (!common_case(unit)) [[unlikely]] return read_char_rare(rt, unit, dest);
+    return read_char_checked(rt, static_cast<std::int32_t>(unit), dest, *ErrnoCell::at);
 }
 
 inline int write_char(const GfortranRuntime& rt, std::int64_t unit, const char* ch) noexcept {
-    if (!askable(unit)) return -EBADF;
-    const auto u = static_cast<std::int32_t>(unit);
-    errno_cell() = 0;
-    // gfortran only reads the character it is given.
-    if (rt.fputc(&u, const_cast<char*>(ch), 1) == 0) [[likely]] return 0;
-    return transfer_failed(u, -EIO);
+    if (!common_case(unit)) [[unlikely]] return write_char_rare(rt, unit, ch);
+    return write_char_checked(rt, static_cast<std::int32_t>(unit), ch, *ErrnoCell::at);
 }
 
 // Flushes the unit: its descriptor, or -1 when it is not connected.

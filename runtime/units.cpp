@@ -106,6 +106,9 @@ int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_le
     return fd < 0 ? -1 : fd;
 }
 
+int read_char_by_table(std::int64_t unit, char* dest) noexcept { return ops().read_char(unit, dest); }
+int write_char_by_table(std::int64_t unit, const char* ch) noexcept { return ops().write_char(unit, ch); }
+
 int __quenvatix_d_readchar(std::int64_t unit) noexcept {
     char c = 0;
     const int result = read_char_into(unit, &c);

@@ -28,6 +28,10 @@ namespace runtime {
 // return (the name is cut to the capacity, not terminated).
 int __quenvatix_d_gethandle(std::int64_t unit, char* name, std::int32_t* name_length) noexcept;
 int __quenvatix_d_readchar(std::int64_t unit) noexcept;
+// The transfers of the back end in the table (out of line: the native back end, or the
+// first call, which chooses).
+int read_char_by_table(std::int64_t unit, char* dest) noexcept;
+int write_char_by_table(std::int64_t unit, const char* ch) noexcept;
 // The same read into *dest: 0 for a byte read, else the negative result (*dest unchanged).
 // This, the write below and FLUSHQQ's flush are inline, as routines doing one of them per
 // call use them: with the gfortran back end serving, they reach its entry point with one
@@ -35,14 +39,14 @@ int __quenvatix_d_readchar(std::int64_t unit) noexcept;
 inline int read_char_into(std::int64_t unit, char* dest) noexcept {
     if (const GfortranRuntime* rt = gfortran_units::serving.load(std::memory_order_acquire))
         return gfortran_units::read_char(*rt, unit, dest);
-    return unit_ops().read_char(unit, dest);
+    return read_char_by_table(unit, dest);
 }
 int __quenvatix_d_writechar(std::int64_t unit, std::int64_t ch) noexcept;
 // The same write of the byte at *ch.
 inline int write_char_from(std::int64_t unit, const char* ch) noexcept {
     if (const GfortranRuntime* rt = gfortran_units::serving.load(std::memory_order_acquire))
         return gfortran_units::write_char(*rt, unit, ch);
-    return unit_ops().write_char(unit, ch);
+    return write_char_by_table(unit, ch);
 }
 // FLUSHQQ's result: 1 when UNIT is connected and was flushed, else 0.
 inline std::int32_t flushed(const std::int32_t* unit) noexcept {
