@@ -18,7 +18,6 @@
 #include <string>
 #include <vector>
 
-#include <tarvo/portlib.h>
 #include <tarvo/qq.h>
 
 // The same Fortran loops around gfortran's intrinsics (g_*) and the library's routines (l_*).
@@ -106,8 +105,7 @@ int main(int argc, char** argv) {
     }
     const int read_fd = open(kRead, O_RDONLY);
     const int write_fd = open(kHostWrite, O_CREAT | O_TRUNC | O_WRONLY, 0644);
-    const std::int32_t zero = 0, seven = 7, stime = 1000000000;
-    const std::int32_t read_unit = kReadUnit, write_unit = kWriteUnit;
+    const std::int32_t stime = 1000000000;
 
     std::vector<Row> rows;
     auto add = [&](const char* name, Loop library, Loop intrinsic, Loop host) {

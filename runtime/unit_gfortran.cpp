@@ -27,7 +27,8 @@ namespace {
 
 using namespace gfortran_units;
 
-const GfortranRuntime* rt;  // set once, before these operations are handed out
+// The run-time's entry points: published before these operations are handed out.
+const GfortranRuntime& rt() noexcept { return *serving.load(std::memory_order_relaxed); }
 
 // Whether OPEN and CLOSE in every Fortran caller reach the wrappers at the end of this file:
 // only then can the cache be trusted. Otherwise every call asks gfortran and lseek.
@@ -83,7 +84,7 @@ bool gfortran_units::askable_negative(std::int64_t unit) noexcept {
 
 int gfortran_units::ask_descriptor(std::int32_t unit) noexcept {
     const std::uint32_t seen = unit_cache.generation();
-    const int fd = rt->fnum_i4(&unit);
+    const int fd = rt().fnum_i4(&unit);
     if (fd >= 0 && wrappers_bound()) unit_cache.remember(unit, {fd, UnitCache::kUnknown}, seen);
     return fd;
 }
@@ -117,10 +118,9 @@ int gfortran_units::flush(const GfortranRuntime& run_time, std::int64_t unit) no
 namespace {
 
 // The table's forms of the inline operations.
-int descriptor_of(std::int64_t unit) { return descriptor(unit); }
-int flush_of(std::int64_t unit) { return flush(*rt, unit); }
-int read_char_of(std::int64_t unit, char* dest) { return read_char(*rt, unit, dest); }
-int write_char_of(std::int64_t unit, const char* ch) { return write_char(*rt, unit, ch); }
+int flush_of(std::int64_t unit) { return flush(rt(), unit); }
+int read_char_of(std::int64_t unit, char* dest) { return read_char(rt(), unit, dest); }
+int write_char_of(std::int64_t unit, const char* ch) { return write_char(rt(), unit, ch); }
 
 // Asks the descriptor (fd, or the unit's if unknown) whether it can seek, and remembers it.
 [[gnu::noinline]] int learn_seek_state(std::int32_t unit, int fd, std::uint32_t seen) {
@@ -151,7 +151,7 @@ int seek(std::int64_t unit, std::int64_t offset, std::int64_t origin) {
     auto whence = static_cast<std::int32_t>(origin);
     std::int32_t status = 0;
     if constexpr (sizeof(void*) == 4) errno = 0;  // see below
-    rt->fseek_sub(&u, &offset, &whence, &status);
+    rt().fseek_sub(&u, &offset, &whence, &status);
     // A seek that fails sets errno. The 32-bit run-time also reports a seek it has done as
     // failed when the new offset does not fit 32 bits (its result is truncated), and then
     // leaves errno alone (cleared above): that is a success. The unit and the origin were
@@ -164,7 +164,7 @@ std::int64_t position(std::int64_t unit) {
     if (const int state = seek_state(unit)) return state;
     auto u = static_cast<std::int32_t>(unit);
     errno = 0;
-    const std::int64_t at = rt->ftell(&u);
+    const std::int64_t at = rt().ftell(&u);
     return at >= 0 ? at : negated_errno_or(EINVAL);
 }
 
@@ -197,7 +197,7 @@ int attach(int fd, std::int32_t unit, UnitAccess access) {
         open.position_len = 6;
     }
     unit_cache.forget_all();
-    rt->st_open(&open);
+    rt().st_open(&open);
     unit_cache.forget_all();
     if (iostat != 0) return EINVAL;
     const int unit_fd = descriptor(unit);
@@ -210,16 +210,16 @@ int attach(int fd, std::int32_t unit, UnitAccess access) {
     return 0;
 }
 
-void flush_all() { rt->flush_i4(nullptr); }
+void flush_all() { rt().flush_i4(nullptr); }
 
-constexpr UnitOps kGfortranOps = {descriptor_of, flush_of, read_char_of, write_char_of, seek, position, attach, flush_all};
+constexpr UnitOps kGfortranOps = {descriptor, flush_of, read_char_of, write_char_of, seek, position, attach, flush_all};
 
 }  // namespace
 
 const UnitOps* gfortran_unit_ops() noexcept {
-    rt = gfortran_runtime();
-    if (rt == nullptr) return nullptr;
-    serving.store(rt, std::memory_order_release);
+    const GfortranRuntime* entries = gfortran_runtime();
+    if (entries == nullptr) return nullptr;
+    serving.store(entries, std::memory_order_release);
     return &kGfortranOps;
 }
 

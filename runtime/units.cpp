@@ -153,13 +153,6 @@ void flush_all_units() noexcept { ops().flush_all(); }
 
 }  // namespace runtime
 
-namespace {
-// Connected and flushed: the common first step of FLUSHQQ and COMMITQQ.
-int flushed_descriptor(const std::int32_t* unit) noexcept {
-    return unit != nullptr ? runtime::ops().flush(*unit) : -1;
-}
-}  // namespace
-
 // SUBROUTINE FLUSHQQ(IUNIT)
 extern "C" TARVO_API std::int32_t flushqq_(const std::int32_t* unit) noexcept {
     return runtime::flushed(unit);
@@ -168,7 +161,7 @@ extern "C" TARVO_API std::int32_t flushqq_(const std::int32_t* unit) noexcept {
 // LOGICAL(4) FUNCTION COMMITQQ(IUNIT) -- flush, then commit to storage. Descriptors that
 // cannot be synchronised (pipes, terminals) have nothing more to commit.
 extern "C" TARVO_API std::int32_t commitqq_(const std::int32_t* unit) noexcept {
-    const int fd = flushed_descriptor(unit);
+    const int fd = unit != nullptr ? runtime::ops().flush(*unit) : -1;
     if (fd < 0) return 0;
     return fsync(fd) == 0 || errno == EINVAL || errno == EROFS ? 1 : 0;
 }
